@@ -14,7 +14,8 @@ void reportError(EngineServices& services, TextView name, TextView message, std:
 void reportError(EngineServices& services, const Procedure& about, const Step& step, const Failure& failure) {
   const auto& [text, hasStep] = about.wording;
   reportError(services, about.name,
-              hasStep ? fill(text, step.number(), failure.description) : fill(text, failure.description), about.level);
+              hasStep ? fill(text, step.number(), failure.description) : fill(text, failure.description),
+              about.level);
 }
 
 Failure currentFailure() {

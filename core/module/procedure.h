@@ -2,7 +2,8 @@
 // number, catches, reports to the engine in that procedure's own wording, and returns the empty result.
 //
 //   bool Responses::DisplayFromDrafts(TextView entryId) {
-//     return procedure(services_, {.name = u".DisplayFromDrafts", .wording = wording::reason}, [&](Step& at) -> bool {
+//     return procedure(services_, {.name = u".DisplayFromDrafts", .wording = wording::reason}, [&](Step& at)
+//     -> bool {
 //       at(1); ...
 //     });
 //   }
@@ -60,17 +61,18 @@ auto guarded(Body&& body, OnError&& onError) {
 
 // Runs `body`; on a failure reports it and returns `otherwise`.
 template <class Body, class Result = std::invoke_result_t<Body, Step&>>
-  requires(!std::is_void_v<Result>)
-Result procedure(EngineServices& services, const Procedure& about, Body&& body, Result otherwise = {}) {
+requires(!std::is_void_v<Result>) Result
+    procedure(EngineServices& services, const Procedure& about, Body&& body, Result otherwise = {}) {
   return guarded(body, [&](const Failure& failure, const Step& step) {
     reportError(services, about, step, failure);
     return otherwise;
   });
 }
 template <class Body>
-  requires std::is_void_v<std::invoke_result_t<Body, Step&>>
+requires std::is_void_v<std::invoke_result_t<Body, Step&>>
 void procedure(EngineServices& services, const Procedure& about, Body&& body) {
-  guarded(body, [&](const Failure& failure, const Step& step) { reportError(services, about, step, failure); });
+  guarded(body,
+          [&](const Failure& failure, const Step& step) { reportError(services, about, step, failure); });
 }
 
 // "With errors ignored": runs `body` and goes on, whatever happened. True when nothing did.

@@ -16,7 +16,8 @@ class Trace {
   template <class... Values>
   void operator()(TextView procedure, TextView pattern, const Values&... values) const {
     try {
-      if (log_.wanted()) log_.write(module_, procedure, sizeof...(values) == 0 ? Text{pattern} : fill(pattern, values...), 0);
+      if (log_.wanted())
+        log_.write(module_, procedure, sizeof...(values) == 0 ? Text{pattern} : fill(pattern, values...), 0);
     } catch (const Failure&) {
       return;  // a trace that cannot be written must not stop what it describes
     }

@@ -1,4 +1,5 @@
-// Attachments of an item, by the item itself or through the mail-helper's wrapper. Every call may throw Failure.
+// Attachments of an item, by the item itself or through the mail-helper's wrapper. Every call may throw
+// Failure.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +19,9 @@ enum class Removal { removed, declined };
 class Attachment {
  public:
   virtual ~Attachment() = default;
-  virtual Text typeName() = 0;     // the object's own type name, "Attachment"
+  virtual Text typeName() = 0;      // the object's own type name, "Attachment"
   virtual std::int32_t type() = 0;  // an AttachmentType, or a number that the mail client has added since
-  virtual Text fileName() = 0;     // one clean path component, possibly empty
+  virtual Text fileName() = 0;      // one clean path component, possibly empty
   virtual Text displayName() = 0;
   virtual std::int64_t size() = 0;  // bytes, decoded
   virtual void saveAsFile(TextView path) = 0;
@@ -29,9 +30,9 @@ class Attachment {
 
 // What Attachments.Add is given.
 struct NewAttachment {
-  Text source;                           // a path
-  std::optional<AttachmentType> type;    // none: the default, by value
-  std::optional<Position> position;      // in the body; none: anywhere. May be 0 or below, as computed
+  Text source;                         // a path
+  std::optional<AttachmentType> type;  // none: the default, by value
+  std::optional<Position> position;    // in the body; none: anywhere. May be 0 or below, as computed
   Text displayName;
 };
 

@@ -1,4 +1,5 @@
-// LocalTime: a date and a time of day in the user's time zone, to the second; and the port that turns it into text.
+// LocalTime: a date and a time of day in the user's time zone, to the second; and the port that turns it into
+// text.
 #pragma once
 
 #include <cstdint>

@@ -37,8 +37,8 @@ class Item {
   virtual void setUnRead(bool unRead) = 0;
   virtual Ref<Attachments> attachments() = 0;
   virtual void save() = 0;
-  virtual void remove() = 0;   // Outlook's Delete
-  virtual void display() = 0;  // opens the item, not modal
+  virtual void remove() = 0;                         // Outlook's Delete
+  virtual void display() = 0;                        // opens the item, not modal
   virtual Ref<Item> respond(Response response) = 0;  // a new, unsent item of the same kind
   // Delivers events to `listener` until the subscription ends; the listener must outlive it.
   virtual Subscription listen(ItemEvents& listener) = 0;
@@ -74,9 +74,9 @@ class SafeItem {
 class MailHelper {
  public:
   virtual ~MailHelper() = default;
-  virtual Ref<SafeItem> wrap(const Ref<Item>& item) = 0;            // a new wrapper with its Item set
-  virtual Text smtpAddress(const Ref<AddressEntry>& sender) = 0;    // GetSMTPAddress; empty when it has none
-  virtual void cleanUp() = 0;                                       // once, at shutdown
+  virtual Ref<SafeItem> wrap(const Ref<Item>& item) = 0;          // a new wrapper with its Item set
+  virtual Text smtpAddress(const Ref<AddressEntry>& sender) = 0;  // GetSMTPAddress; empty when it has none
+  virtual void cleanUp() = 0;                                     // once, at shutdown
   // The item's body format: "HTML", "RTF", "TEXT" or another word for plain text.
   virtual Text bodyFormat(const Ref<Item>& item) = 0;
   virtual Text bodyFormat(const Ref<SafeItem>& item) = 0;

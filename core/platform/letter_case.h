@@ -8,8 +8,8 @@ namespace quillfile {
 class LetterCase {
  public:
   virtual ~LetterCase() = default;
-  // `text` in lower case, unit for unit: the result has the length of `text`, so that positions in the one are
-  // positions in the other. A letter whose lower case needs another number of units stays as it is.
+  // `text` in lower case, unit for unit: the result has the length of `text`, so that positions in the one
+  // are positions in the other. A letter whose lower case needs another number of units stays as it is.
   virtual Text lower(TextView text) = 0;
 };
 

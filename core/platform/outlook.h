@@ -19,7 +19,13 @@ class Folder {
 };
 
 // The numbers by which the mail client knows its special folders.
-enum class DefaultFolder : std::int32_t { deleted_items = 3, outbox = 4, sent_items = 5, inbox = 6, drafts = 16 };
+enum class DefaultFolder : std::int32_t {
+  deleted_items = 3,
+  outbox = 4,
+  sent_items = 5,
+  inbox = 6,
+  drafts = 16
+};
 
 class NameSpace {
  public:
@@ -59,8 +65,8 @@ class Inspector {
 class Application {
  public:
   virtual ~Application() = default;
-  virtual Text version() = 0;                // "16.0.0.1234": only its first two characters are looked at
-  virtual Ref<NameSpace> nameSpace() = 0;    // the one called "MAPI"
+  virtual Text version() = 0;              // "16.0.0.1234": only its first two characters are looked at
+  virtual Ref<NameSpace> nameSpace() = 0;  // the one called "MAPI"
   virtual Ref<Explorer> activeExplorer() = 0;
 };
 

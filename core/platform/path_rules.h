@@ -6,12 +6,12 @@
 namespace quillfile {
 
 struct PathRules {
-  TextView separator;               // u"\\" or u"/", always one character
-  TextView otherSeparator;          // the other system's, which is replaced in folder names
-  TextView invalidInPath;           // what StripInvalidCharacters replaces, in this order
-  TextView longPathPrefix;          // put before a path when its times are changed; empty where none is needed
-  bool drives = false;              // whether "C:" may begin a path
-  TextView linkPrefix;              // what stands before a path in a link's text
+  TextView separator;       // u"\\" or u"/", always one character
+  TextView otherSeparator;  // the other system's, which is replaced in folder names
+  TextView invalidInPath;   // what StripInvalidCharacters replaces, in this order
+  TextView longPathPrefix;  // put before a path when its times are changed; empty where none is needed
+  bool drives = false;      // whether "C:" may begin a path
+  TextView linkPrefix;      // what stands before a path in a link's text
 
   // The text of the link to `path`, exactly as it stands in a note.
   //   Windows: C:\a b.pdf -> file:///C:\a b.pdf      Linux: /home/u/a b.pdf -> file:///home/u/a b.pdf

@@ -30,7 +30,8 @@ struct Platform {
   UserInterface& user;
   Dialogs& dialogs;
   PathRules paths;
-  Text installationFolder;  // the folder of the module's own file, where "Paperclip.ico" lies; no separator at its end
+  Text installationFolder;  // the folder of the module's own file, where "Paperclip.ico" lies; no separator
+                            // at its end
 };
 
 }  // namespace quillfile

@@ -1,5 +1,5 @@
-// Subscription: holds a listener on an event source. Move-only; ends when it is destroyed, reset or assigned to,
-// and nothing is delivered after that. Ending twice, or from inside a delivery, is allowed.
+// Subscription: holds a listener on an event source. Move-only; ends when it is destroyed, reset or assigned
+// to, and nothing is delivered after that. Ending twice, or from inside a delivery, is allowed.
 #pragma once
 
 #include <functional>

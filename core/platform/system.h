@@ -19,11 +19,12 @@ class FileSystem {
   // True when a listing of `path` for normal files yields a name: an existing file, not hidden, no directory.
   virtual bool fileListed(TextView path) = 0;
   virtual bool folderExists(TextView path) = 0;
-  // `base` + `extension` in `folder` when that is free, else with "-1", "-2" … before the extension: the first
-  // that fileListed() does not find. The host may remember the folder's listing; the answer is the same.
+  // `base` + `extension` in `folder` when that is free, else with "-1", "-2" … before the extension: the
+  // first that fileListed() does not find. The host may remember the folder's listing; the answer is the
+  // same.
   virtual Text firstFreePath(TextView folder, TextView base, TextView extension) = 0;
-  virtual void deleteFile(TextView path) = 0;  // throws Failure
-  virtual std::int32_t attributes(TextView path) = 0;  // bit 1: read-only; throws Failure
+  virtual void deleteFile(TextView path) = 0;                              // throws Failure
+  virtual std::int32_t attributes(TextView path) = 0;                      // bit 1: read-only; throws Failure
   virtual void setAttributes(TextView path, std::int32_t attributes) = 0;  // throws Failure
 };
 
@@ -66,7 +67,8 @@ class Programs {
  public:
   virtual ~Programs() = default;
   // Starts a program from a command line, with a normal, focused window; does not wait. Throws Failure.
-  // `path` is the saved file's path as it stands in the command line, so that a host can keep it one argument.
+  // `path` is the saved file's path as it stands in the command line, so that a host can keep it one
+  // argument.
   virtual void start(TextView commandLine, TextView path) = 0;
   virtual Text machineName() = 0;
 };

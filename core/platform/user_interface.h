@@ -40,7 +40,8 @@ struct SaveAsRequest {
 class Dialogs {
  public:
   virtual ~Dialogs() = default;
-  // Shows the form modally, in the foreground: 1 No, 2 No to All, 3 Yes, 4 Yes to All, 0 closed without an answer.
+  // Shows the form modally, in the foreground: 1 No, 2 No to All, 3 Yes, 4 Yes to All, 0 closed without an
+  // answer.
   virtual std::int32_t show(const DeletePrompt& prompt) = 0;
   // The full path chosen; none when the user cancels.
   virtual std::optional<Text> show(const SaveAsRequest& request) = 0;

@@ -16,13 +16,13 @@ enum class ReadWrite : std::int32_t { leave = 0, read_only = 1, writable = 2 };
 // The nine arguments of CheckForAttachments, in their order.
 struct SaveRequest {
   Ref<Item> item;
-  bool skipCriteria = false;        // save-all-attachments
-  AfterSave afterSave{};            // post-processing
+  bool skipCriteria = false;  // save-all-attachments
+  AfterSave afterSave{};      // post-processing
   bool errorPrompt = false;
   bool addLink = false;
   bool remove = false;
   ReadWrite readWrite{};
-  Text savePath;                    // ends with the separator
+  Text savePath;  // ends with the separator
   bool isSent = false;
 };
 

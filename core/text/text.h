@@ -36,7 +36,8 @@ TextView left(TextView text, Position length);
 //   cutLeft(u"ab\U0001F600", 3) == u"ab"
 TextView cutLeft(TextView text, Position length);
 
-// Every occurrence of `wanted`, left to right and never overlapping, replaced. An empty `wanted` changes nothing.
+// Every occurrence of `wanted`, left to right and never overlapping, replaced. An empty `wanted` changes
+// nothing.
 Text replaceAll(TextView text, TextView wanted, TextView replacement);
 
 // The pieces between the separators, empty ones too.  split(u"a;;b", u';') == {a, "", b}
@@ -60,7 +61,7 @@ inline void append(Text& to, TextView value) { to += value; }
 inline void append(Text& to, const Text& value) { to += value; }
 inline void append(Text& to, const char16_t* value) { to += value; }
 template <class Number>
-  requires std::is_integral_v<Number>
+requires std::is_integral_v<Number>
 void append(Text& to, Number number) {
   static_assert(!std::is_same_v<Number, bool>, "say which word a Boolean is to have");
   static_assert(!std::is_same_v<Number, char16_t>, "pass a text");
@@ -81,7 +82,8 @@ void fillFrom(Text& result, TextView pattern, const First& first, const Rest&...
 }  // namespace detail
 
 // `pattern` with each "{}" replaced, in order, by the next value; a "{}" inside a value stays as it is.
-//   fill(u"Error occurred at line {}.  Reason: {}", 3, u"no {}") == u"Error occurred at line 3.  Reason: no {}"
+//   fill(u"Error occurred at line {}.  Reason: {}", 3, u"no {}") == u"Error occurred at line 3.  Reason: no
+//   {}"
 template <class... Values>
 Text fill(TextView pattern, const Values&... values) {
   Text result;

@@ -11,12 +11,16 @@ struct Decoded {
   std::size_t length;  // bytes taken, at least 1
 };
 
-// One code point from the front of `bytes`; overlong forms, surrogates and cut-off sequences are replaced byte by byte.
+// One code point from the front of `bytes`; overlong forms, surrogates and cut-off sequences are replaced
+// byte by byte.
 Decoded decodeOne(std::string_view bytes) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = byte(0);
   if (lead < 0x80) return {lead, 1};
-  const std::size_t length = lead >= 0xF0 && lead <= 0xF4 ? 4 : lead >= 0xE0 && lead < 0xF0 ? 3 : lead >= 0xC2 && lead < 0xE0 ? 2 : 0;
+  const std::size_t length = lead >= 0xF0 && lead <= 0xF4  ? 4
+                             : lead >= 0xE0 && lead < 0xF0 ? 3
+                             : lead >= 0xC2 && lead < 0xE0 ? 2
+                                                           : 0;
   if (length == 0 || bytes.size() < length) return {replacement, 1};
   char32_t codePoint = lead & (0xFF >> (length + 1));
   for (std::size_t i = 1; i < length; ++i) {
@@ -24,7 +28,8 @@ Decoded decodeOne(std::string_view bytes) {
     codePoint = codePoint << 6 | (byte(i) & 0x3F);
   }
   constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  const bool valid = codePoint >= smallest[length] && codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
+  const bool valid =
+      codePoint >= smallest[length] && codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
   return valid ? Decoded{codePoint, length} : Decoded{replacement, 1};
 }
 

@@ -27,7 +27,8 @@ TEST(Text, ACutNeverLeavesHalfASurrogatePair) {
 }
 
 TEST(Text, FillDoesNotLookInsideAValue) {
-  EXPECT_EQ(fill(u"Error occurred at line {}.  Reason: {}", 3, u"no {}"), u"Error occurred at line 3.  Reason: no {}");
+  EXPECT_EQ(fill(u"Error occurred at line {}.  Reason: {}", 3, u"no {}"),
+            u"Error occurred at line 3.  Reason: no {}");
 }
 
 TEST(Text, SplitKeepsEmptyPieces) {
