@@ -75,6 +75,7 @@ class Reader {
 
   std::optional<LocalTime> time() const {
     LocalTime time = time_;
+    if (half_ != Half::none && (time.hour < 1 || time.hour > 12)) return std::nullopt;
     if (half_ != Half::none) time.hour = time.hour % 12 + (half_ == Half::afternoon ? 12 : 0);
     static constexpr std::array<std::int32_t, 12> days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     if (time.month < 1 || time.month > 12 || time.year < 1) return std::nullopt;
