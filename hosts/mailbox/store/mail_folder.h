@@ -1,0 +1,72 @@
+// MailFolder: one Maildir folder. It makes the simple changes (flags, move, delete, create) at once and
+// crash-safe; a change that must wait for saved files goes through Batch.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "hosts/mailbox/services/content.h"
+#include "hosts/mailbox/store/listing.h"
+#include "hosts/mailbox/store/message_file.h"
+
+namespace quillfile::mailbox {
+
+enum class FolderRole { none, inbox, sent, drafts, deleted, outbox };
+// "inbox", "sent", "drafts", "deleted", "outbox"; empty for none.
+std::string_view roleName(FolderRole role);
+
+// Where a message is now.
+struct Location {
+  std::string fileName;
+  bool isNew = false;
+};
+
+class MailFolder {
+ public:
+  MailFolder(std::string directory, std::string path, std::string storeId, FolderRole role);
+
+  const std::string& directory() const { return directory_; }  // on disk, without a separator at its end
+  const std::string& path() const { return path_; }            // shown, UTF-8: "Inbox", "Projects/2026"
+  std::string name() const;                                    // the last component of path()
+  // Opaque; stable while the folder keeps its name. Printable UTF-8.
+  const std::string& entryId() const { return path_; }
+  const std::string& storeId() const { return storeId_; }
+  FolderRole role() const { return role_; }
+
+  // The id of a message of this folder: opaque, printable, stable while it stays in the folder under its
+  // unique name, whatever its flags.  "Inbox/1700000000.M1P2.host"
+  std::string itemId(std::string_view unique) const;
+
+  // The folder as it is now. Throws Failure when it cannot be read.
+  Listing list() const { return Listing::read(directory_); }
+
+  // Where the message is now; none when it is gone. One system call while nobody has renamed it since the
+  // folder was last looked at, one reading of the folder otherwise. Throws Failure.
+  std::optional<Location> find(std::string_view unique) const;
+  std::string filePath(const Location& location) const;
+  // Opens it wherever it is now; null when it is gone. Throws Failure.
+  std::shared_ptr<MessageFile> open(std::string_view unique) const;
+
+  // Sets or clears one flag (a message in new/ moves to cur/), keeping all that other programs set. False
+  // when the message is gone. Throws Failure.
+  bool setFlag(std::string_view unique, char flag, bool set) const;
+  // Moves the message, its unique name and its flags kept. False when it is gone. Throws Failure.
+  bool moveTo(const MailFolder& target, std::string_view unique) const;
+  // Deletes the message for good. False when it was gone already. Throws Failure.
+  bool erase(std::string_view unique) const;
+  // Writes a new message into cur/ (written and flushed in tmp/ first) and gives its unique name. `flags` as
+  // in the file name: a draft has "D". Throws Failure, and then nothing was created.
+  std::string create(const Content& content, std::string_view flags) const;
+
+ private:
+  std::string directory_;
+  std::string path_;
+  std::string storeId_;
+  FolderRole role_;
+  mutable std::shared_ptr<const Listing> remembered_;  // for find(): where messages were when last looked at
+};
+
+}  // namespace quillfile::mailbox
