@@ -1,0 +1,42 @@
+// FakeSettings: the settings store, in memory. A test reads and sets keys of the module's section by name
+// alone.
+#pragma once
+
+#include <map>
+#include <tuple>
+
+#include "core/platform/settings_store.h"
+#include "tests/fakes/recorder.h"
+
+namespace quillfile {
+
+class FakeSettings : public SettingsStore {
+ public:
+  explicit FakeSettings(Recorder& record) : record_(record) {}
+
+  // The module's own section.
+  void set(TextView key, TextView value) { values_[{u"Corvane", u"Quillfile", Text{key}}] = value; }
+  std::optional<Text> get(TextView key) const { return lookUp(u"Corvane", u"Quillfile", key); }
+  // The engine's section.
+  void setEngine(TextView key, TextView value) { values_[{u"Corvane", u"Corvane", Text{key}}] = value; }
+
+  std::optional<Text> read(TextView application, TextView section, TextView key) override {
+    return record_.asked(u"SettingsStore.read"), lookUp(application, section, key);
+  }
+  void write(TextView application, TextView section, TextView key, TextView value) override {
+    record_.asked(u"SettingsStore.write");
+    record_.did(fill(u"setting {}/{}/{} = {}", application, section, key, value));
+    values_[{Text{application}, Text{section}, Text{key}}] = value;
+  }
+
+ private:
+  std::optional<Text> lookUp(TextView application, TextView section, TextView key) const {
+    const auto found = values_.find({Text{application}, Text{section}, Text{key}});
+    return found == values_.end() ? std::nullopt : std::optional{found->second};
+  }
+
+  Recorder& record_;
+  std::map<std::tuple<Text, Text, Text>, Text> values_;
+};
+
+}  // namespace quillfile
