@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "hosts/mailbox/services/content.h"
 #include "hosts/mailbox/store/listing.h"
@@ -26,7 +27,8 @@ struct Location {
 
 class MailFolder {
  public:
-  MailFolder(std::string directory, std::string path, std::string storeId, FolderRole role);
+  MailFolder(std::string directory, std::string path, std::string storeId,
+             FolderRole role = FolderRole::none);
 
   const std::string& directory() const { return directory_; }  // on disk, without a separator at its end
   const std::string& path() const { return path_; }            // shown, UTF-8: "Inbox", "Projects/2026"
@@ -35,6 +37,7 @@ class MailFolder {
   const std::string& entryId() const { return path_; }
   const std::string& storeId() const { return storeId_; }
   FolderRole role() const { return role_; }
+  void setRole(FolderRole role) { role_ = role; }  // the store's to say
 
   // The id of a message of this folder: opaque, printable, stable while it stays in the folder under its
   // unique name, whatever its flags.  "Inbox/1700000000.M1P2.host"
@@ -46,6 +49,9 @@ class MailFolder {
   // Where the message is now; none when it is gone. One system call while nobody has renamed it since the
   // folder was last looked at, one reading of the folder otherwise. Throws Failure.
   std::optional<Location> find(std::string_view unique) const;
+  // What a caller has just learned about where a message is (a watch, an own rename) saves find() the
+  // reading.
+  void noteLocation(std::string_view unique, Location location) const;
   std::string filePath(const Location& location) const;
   // Opens it wherever it is now; null when it is gone. Throws Failure.
   std::shared_ptr<MessageFile> open(std::string_view unique) const;
@@ -66,7 +72,8 @@ class MailFolder {
   std::string path_;
   std::string storeId_;
   FolderRole role_;
-  mutable std::shared_ptr<const Listing> remembered_;  // for find(): where messages were when last looked at
+  mutable std::shared_ptr<const Listing> remembered_;                 // where messages were when last read
+  mutable std::unordered_map<std::string, Location> notedLocations_;  // learned since; few
 };
 
 }  // namespace quillfile::mailbox

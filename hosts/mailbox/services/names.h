@@ -1,0 +1,21 @@
+// Changes to directories, each one system call, and safe against every race with other programs.
+#pragma once
+
+#include <string>
+
+namespace quillfile::mailbox {
+
+// A path, or a name within an open directory.
+struct Place {
+  int directory;  // a descriptor, or AT_FDCWD
+  std::string name;
+};
+
+// Gives `from` the name `to` unless that is taken, in one step. 0, or the error: EEXIST when it is taken.
+// renameat2 with RENAME_NOREPLACE; link and unlink where the file system has none.
+int renameWithoutReplacing(const Place& from, const Place& to);
+
+// Flushes a directory's names. Throws Failure.
+void flushDirectory(const std::string& path);
+
+}  // namespace quillfile::mailbox

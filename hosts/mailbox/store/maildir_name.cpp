@@ -1,0 +1,81 @@
+#include "hosts/mailbox/store/maildir_name.h"
+
+#include <sys/random.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <charconv>
+#include <cstdio>
+
+namespace quillfile::mailbox {
+namespace {
+
+// The host's name as it may stand in a file name: "/" and ":" written in octal, as the format asks for.
+std::string hostName() {
+  char name[256] = {};
+  if (::gethostname(name, sizeof name - 1) != 0 || name[0] == 0) return "localhost";
+  std::string clean;
+  for (const char* at = name; *at != 0; ++at) {
+    if (*at == '/') {
+      clean += "\\057";
+    } else if (*at == ':') {
+      clean += "\\072";
+    } else {
+      clean += *at > ' ' && *at < 127 ? *at : '_';
+    }
+  }
+  return clean;
+}
+
+std::uint32_t randomNumber() {
+  std::uint32_t number = 0;
+  if (::getrandom(&number, sizeof number, 0) != sizeof number)
+    number = static_cast<std::uint32_t>(::getpid());
+  return number;
+}
+
+}  // namespace
+
+MaildirName parseMaildirName(std::string_view fileName) {
+  const auto mark = fileName.rfind(":2,");
+  if (mark == std::string_view::npos) return {fileName, {}};
+  return {fileName.substr(0, mark), fileName.substr(mark + 3)};
+}
+
+std::string maildirFileName(std::string_view unique, std::string_view flags) {
+  std::string sorted{flags};
+  std::sort(sorted.begin(), sorted.end());
+  sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+  return std::string{unique}.append(":2,").append(sorted);
+}
+
+bool hasFlag(std::string_view flags, char flag) { return flags.find(flag) != std::string_view::npos; }
+
+std::string withFlag(std::string_view flags, char flag, bool set) {
+  std::string result{flags};
+  std::erase(result, flag);
+  if (set) result.insert(std::lower_bound(result.begin(), result.end(), flag), flag);
+  return result;
+}
+
+std::int64_t deliveryTime(std::string_view unique) {
+  std::int64_t seconds = 0;
+  std::from_chars(unique.data(), unique.data() + unique.size(), seconds);
+  return seconds < 0 ? 0 : seconds;
+}
+
+std::string freshUniqueName() {
+  static const std::string host = hostName();
+  static const std::uint32_t random = randomNumber();
+  static std::atomic<std::uint32_t> counter{0};
+  timeval now{};
+  ::gettimeofday(&now, nullptr);
+  char text[128];
+  std::snprintf(text, sizeof text, "%lld.M%06ldP%dQ%uR%08x.", static_cast<long long>(now.tv_sec),
+                static_cast<long>(now.tv_usec), static_cast<int>(::getpid()), ++counter, random);
+  return text + host;
+}
+
+}  // namespace quillfile::mailbox

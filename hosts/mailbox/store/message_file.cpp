@@ -1,0 +1,81 @@
+#include "hosts/mailbox/store/message_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "hosts/mailbox/services/failure.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+// Up to here reading is cheaper than mapping: no page faults, no change to the address space.
+constexpr std::int64_t largestRead = 128 << 10;
+
+std::size_t readUpTo(int file, char* to, std::size_t size, const std::string& path) {
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::pread(file, to + done, size - done, static_cast<off_t>(done));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw fromErrno(errno, "read the message", path);
+    if (count == 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  return done;
+}
+
+}  // namespace
+
+std::shared_ptr<MessageFile> MessageFile::open(const std::string& path) {
+  Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)};
+  if (!file) {
+    if (errno == ENOENT) return nullptr;
+    throw fromErrno(errno, "open the message", path);
+  }
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) throw fromErrno(errno, "look at the message", path);
+  if (!S_ISREG(status.st_mode))
+    throw failure("Could not open the message " + path + ": it is no regular file");
+
+  std::shared_ptr<MessageFile> message{new MessageFile};
+  message->file_ = std::move(file);
+  message->modified_ = std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
+  message->inode_ = status.st_ino;
+  message->device_ = status.st_dev;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (status.st_size <= largestRead) {
+    message->read_.reset(new char[size + 1]);
+    message->bytes_ = {message->read_.get(),
+                       readUpTo(message->descriptor(), message->read_.get(), size, path)};
+    return message;
+  }
+  message->mapped_ = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, message->descriptor(), 0);
+  if (message->mapped_ == MAP_FAILED) {
+    message->mapped_ = nullptr;
+    throw fromErrno(errno, "map the message", path);
+  }
+  ::madvise(message->mapped_, size, MADV_SEQUENTIAL);
+  message->bytes_ = {static_cast<const char*>(message->mapped_), size};
+  return message;
+}
+
+MessageFile::~MessageFile() {
+  if (mapped_ != nullptr) ::munmap(mapped_, bytes_.size());
+}
+
+// Whole pages within the range only, so that neighbours stay.
+void MessageFile::forget(std::string_view range) const {
+  if (mapped_ == nullptr || range.empty()) return;
+  static const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+  const auto begin = (reinterpret_cast<std::uintptr_t>(range.data()) + page - 1) / page * page;
+  const auto end = reinterpret_cast<std::uintptr_t>(range.data() + range.size()) / page * page;
+  if (begin < end) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+}
+
+bool MessageFile::lock() { return ::flock(descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+
+}  // namespace quillfile::mailbox
