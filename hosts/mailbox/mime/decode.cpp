@@ -1,0 +1,68 @@
+#include "hosts/mailbox/mime/decode.h"
+
+#include "hosts/mailbox/mime/decoding.h"
+#include "hosts/mailbox/mime/header.h"
+
+namespace quillfile::mime {
+namespace {
+
+constexpr Doubt unknownEncoding = u"its transfer encoding is unknown";
+
+struct NamedEncoding {
+  std::string_view name;
+  Encoding encoding;
+};
+constexpr NamedEncoding encodings[] = {
+    {"", Encoding::identity},
+    {"7bit", Encoding::identity},
+    {"8bit", Encoding::identity},
+    {"binary", Encoding::identity},
+    {"7-bit", Encoding::identity},
+    {"8-bit", Encoding::identity},
+    {"none", Encoding::identity},
+    {"base64", Encoding::base64},
+    {"quoted-printable", Encoding::quoted_printable},
+    {"uuencode", Encoding::uuencode},
+    {"x-uuencode", Encoding::uuencode},
+    {"uue", Encoding::uuencode},
+    {"x-uue", Encoding::uuencode},
+};
+
+}  // namespace
+
+Encoding encodingNamed(std::string_view value) {
+  const auto word = trimmed(value.substr(0, value.find_first_of("(;")));
+  for (const auto& known : encodings) {
+    if (equalWords(known.name, word)) return known.encoding;
+  }
+  return Encoding::unknown;
+}
+
+Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind) {
+  Progress progress{behind};
+  if (encoding == Encoding::identity || encoding == Encoding::unknown) {
+    constexpr std::size_t step = std::size_t{256} << 10;
+    for (std::size_t at = 0; at < encoded.size(); progress.reached(at)) {
+      const auto part = encoded.substr(at, step);
+      sink(part);
+      at += part.size();
+    }
+    return encoding == Encoding::unknown ? unknownEncoding : Doubt{};
+  }
+  Chunks out{sink, encoded.size()};
+  const auto decoder = encoding == Encoding::base64             ? decodeBase64
+                       : encoding == Encoding::quoted_printable ? decodeQuotedPrintable
+                                                                : decodeUuencode;
+  const auto doubt = decoder(encoded, out, progress);
+  out.flush();
+  return doubt;
+}
+
+std::string decoded(Encoding encoding, std::string_view encoded, Doubt* doubt) {
+  std::string bytes;
+  const auto found = decode(encoding, encoded, [&](std::string_view chunk) { bytes += chunk; });
+  if (doubt) *doubt = found;
+  return bytes;
+}
+
+}  // namespace quillfile::mime
