@@ -5,8 +5,8 @@
 
 namespace quillfile::mailbox {
 
-// Each without a separator at its end: what the environment's variable says where that is an absolute path, else
-// the usual place below the home folder.
+// Each without a separator at its end: what the environment's variable says where that is an absolute path,
+// else the usual place below the home folder.
 std::string homeFolder();
 std::string configFolder();     // $XDG_CONFIG_HOME, ~/.config
 std::string stateFolder();      // $XDG_STATE_HOME, ~/.local/state

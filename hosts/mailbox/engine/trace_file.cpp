@@ -15,7 +15,8 @@ namespace {
 std::string now() {
   const auto time = std::chrono::system_clock::now();
   const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+  const auto sinceEpoch =
+      std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
   std::tm local{};
   localtime_r(&seconds, &local);
   char text[40];
@@ -30,10 +31,17 @@ std::string onOneLine(TextView text) {
   std::string line;
   for (const char unit : toUtf8(text)) {
     switch (unit) {
-      case '\r': line += "\\r"; break;
-      case '\n': line += "\\n"; break;
-      case '\t': line += "\\t"; break;
-      default: line += unit;
+      case '\r':
+        line += "\\r";
+        break;
+      case '\n':
+        line += "\\n";
+        break;
+      case '\t':
+        line += "\\t";
+        break;
+      default:
+        line += unit;
     }
   }
   return line;
@@ -61,12 +69,14 @@ void TraceFile::writeLine(const std::string& line) {
 
 void TraceFile::write(TextView module, TextView procedure, TextView message, std::int32_t) {
   if (!file_) return;
-  writeLine(now() + '\t' + onOneLine(module) + '\t' + onOneLine(procedure) + '\t' + onOneLine(message) + '\n');
+  writeLine(now() + '\t' + onOneLine(module) + '\t' + onOneLine(procedure) + '\t' + onOneLine(message) +
+            '\n');
 }
 
 void TraceFile::writeError(std::int32_t level, TextView source, TextView message) {
   if (!file_) return;
-  writeLine(now() + "\tERROR " + std::to_string(level) + '\t' + onOneLine(source) + '\t' + onOneLine(message) + '\n');
+  writeLine(now() + "\tERROR " + std::to_string(level) + '\t' + onOneLine(source) + '\t' +
+            onOneLine(message) + '\n');
 }
 
 }  // namespace quillfile::mailbox

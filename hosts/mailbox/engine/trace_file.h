@@ -29,7 +29,8 @@ class TraceFile : public EngineLog {
   std::FILE* file_ = nullptr;
 };
 
-// `text` in UTF-8 with carriage return, line feed and tab written as \r, \n and \t, so that it stays one line.
+// `text` in UTF-8 with carriage return, line feed and tab written as \r, \n and \t, so that it stays one
+// line.
 std::string onOneLine(TextView text);
 
 }  // namespace quillfile::mailbox

@@ -1,4 +1,5 @@
-// The user's trash (the freedesktop.org trash layout): where a deleted file waits in case it was wanted after all.
+// The user's trash (the freedesktop.org trash layout): where a deleted file waits in case it was wanted after
+// all.
 #pragma once
 
 #include <string>
