@@ -28,6 +28,8 @@ struct SavedFile {
   std::string asked;      // the path it was saved to
   std::int64_t size = 0;  // bytes
   State state = State::waiting;
+  std::string item;        // for reports: the id of the item that it comes from
+  std::string attachment;  // for reports: the attachment's file name; empty for a saved e-mail
 
   // The batch's own.
   std::shared_ptr<SaveFolder> folder;
