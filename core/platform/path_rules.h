@@ -11,6 +11,7 @@ struct PathRules {
   TextView invalidInPath;   // what StripInvalidCharacters replaces, in this order
   TextView longPathPrefix;  // put before a path when its times are changed; empty where none is needed
   bool drives = false;      // whether "C:" may begin a path
+  TextView root;            // the folder that is always there
   TextView linkPrefix;      // what stands before a path in a link's text
 
   // The text of the link to `path`, exactly as it stands in a note.
@@ -33,6 +34,7 @@ constexpr PathRules PathRules::windows() {
           .invalidInPath = u"#/:*?<>|\"",
           .longPathPrefix = u"\\\\?\\",
           .drives = true,
+          .root = u"C:\\",
           .linkPrefix = u"file:///"};
 }
 
@@ -42,6 +44,7 @@ constexpr PathRules PathRules::posix() {
           .invalidInPath = u"#\\:*?<>|\"",
           .longPathPrefix = u"",
           .drives = false,
+          .root = u"/",
           .linkPrefix = u"file://"};
 }
 
