@@ -1,0 +1,94 @@
+// MailboxItem: one message as an item. It is opened when something of it is asked for, keeps what the module
+// changes in memory, and is made so on disk at the end of the event, in one rewrite, when it was saved.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/platform/item.h"
+#include "hosts/mailbox/mime/address.h"
+#include "hosts/mailbox/outlook/attachment_source.h"
+#include "hosts/mailbox/outlook/item_body.h"
+#include "hosts/mailbox/outlook/item_changes.h"
+#include "hosts/mailbox/outlook/listeners.h"
+#include "hosts/mailbox/services/batch.h"
+#include "hosts/mailbox/store/mail_folder.h"
+
+namespace quillfile::mailbox {
+
+class MailClient;
+
+class MailboxItem final : public Item, public std::enable_shared_from_this<MailboxItem> {
+ public:
+  // A message in a folder; not opened.
+  MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<MailFolder> folder, std::string unique);
+  // A new, unsent item: its first bytes, attachments that it carries from elsewhere, and what its original
+  // remembers of the parts that were taken out of it.
+  MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<const Message> message,
+              AttachmentSources carried, std::vector<RemovedPart> removedBefore);
+
+  Text typeName() override;
+  Text entryId() override;
+  Text subject() override;
+  LocalTime receivedTime() override;
+  Text body() override { return body(BodyKind::plain); }
+  bool unRead() override;
+  void setUnRead(bool unRead) override;  // takes effect at the end of the event, saved or not
+  Ref<Attachments> attachments() override;
+  void save() override;     // raises Write; a listener may stop it
+  void remove() override;   // to Deleted Items; for good when it is there already
+  void display() override;  // a new item is saved with it
+  Ref<Item> respond(Response response) override;
+  Subscription listen(ItemEvents& listener) override { return listeners_.add(listener); }
+
+  // --- What lists show. Each may throw Failure when the message cannot be read or is gone.
+  Text receivedWithOffset();  // "2026-03-04T14:05:00+01:00"
+  mime::Address sender();     // From; its name falls back to the address
+  Text bodyFormat();          // "HTML", "RTF", "TEXT"
+  std::int64_t size();        // bytes of the message
+  Text body(BodyKind kind);   // as changed; lines end in CR LF
+  void setBody(BodyKind kind, TextView text);
+  void saveQuietly();  // save without the Write event, as the mail-helper's wrapper does
+
+  // --- The user's doings, with their events.
+  // Raises Forward, Reply or ReplyAll; where no listener cancels, the item's own response is made and
+  // displayed, and given back; null where the module has made its own.
+  std::shared_ptr<MailboxItem> userResponds(Response response);
+  bool userCloses();  // Close; false when a listener stopped it
+
+  // --- For `restore`, after the module has put the files back and cut its notes out, before the event ends:
+  // takes the blank lines out of the plain text that the notes brought.
+  void finishRestore();
+
+  // --- For the rest of this room and the engine.
+  const std::shared_ptr<MailFolder>& folder() const { return folder_; }  // null for a new item
+  const std::string& unique() const { return unique_; }
+  bool isNew() const { return folder_ == nullptr; }
+  std::shared_ptr<const Message> message();  // opens it; throws Failure when it cannot be read or is gone
+  const AttachmentSources& sources();        // as they are now: removed ones left out, added ones last
+
+ private:
+  friend class MailClient;
+  friend class MailboxAttachment;
+  friend class MailboxAttachments;
+
+  std::shared_ptr<MailClient> client() const;  // throws Failure when it has gone
+  ItemBodies& bodies();
+  void touch();  // the item has changes now; makes sure that what went to the batch before is on disk
+
+  std::weak_ptr<MailClient> client_;
+  std::shared_ptr<MailFolder> folder_;
+  std::string unique_;
+  std::string provisionalId_;  // of a new item that was saved
+  std::shared_ptr<const Message> message_;
+  Listeners<ItemEvents> listeners_;
+  std::optional<ItemBodies> bodies_;
+  std::optional<AttachmentSources> sources_;
+  std::vector<RemovedPart> removedBefore_;
+  ItemChanges changes_;
+  bool handedOver_ = false;  // its changes are the batch's; it is read anew once they are on disk
+};
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,45 @@
+// ItemBodies: the bodies of an item as they are read and as they were changed.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "core/platform/item.h"
+#include "hosts/mailbox/mime/edit.h"
+#include "hosts/mailbox/outlook/body_part.h"
+#include "hosts/mailbox/outlook/message.h"
+
+namespace quillfile::mailbox {
+
+class ItemBodies {
+ public:
+  explicit ItemBodies(std::shared_ptr<const Message> message) : message_(std::move(message)) {}
+
+  // "HTML", "RTF", "TEXT"
+  TextView format() const;
+  // Decoded at the first call. The plain body of a message that has none is made from the one it has.
+  Text text(BodyKind kind);
+  void set(BodyKind kind, TextView text);
+  bool changed() const;
+
+  // Takes the blank lines out that notes have left behind in the plain text since `this` was read.
+  void dropBlankLinesOfNotes();
+
+  // Works the changes into an edit: as splices where that is possible. Throws Failure when a body is doubted
+  // and could only be written anew.
+  void apply(mime::Edit& edit, std::vector<Splice>& splices);
+
+ private:
+  struct Body {
+    TextChange change;
+    mime::Doubt doubt;
+  };
+  mime::PartIndex part(BodyKind kind) const;
+  Body& body(BodyKind kind);
+
+  std::shared_ptr<const Message> message_;
+  std::map<BodyKind, Body> bodies_;
+};
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,25 @@
+// Link notes in plain text: the plain form of what the module writes into a body for each attachment that it
+// saved. The HTML body is the one that the module reads and writes; a plain-text alternative beside it
+// follows here.
+#pragma once
+
+#include <vector>
+
+#include "core/text/text.h"
+
+namespace quillfile::mailbox {
+
+// The links of a body's notes, in order: "file:///home/u/a.pdf".
+std::vector<Text> linksInHtml(TextView html);
+std::vector<Text> linksInPlainText(TextView text);
+
+// Without the notes of these links, and without the two line ends that came with each.
+Text withoutNotes(TextView text, const std::vector<Text>& links);
+// With a note for each link, at the end or at the beginning.
+Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd);
+
+// The plain text after its HTML went from `before` to `after`: a note that came into the HTML comes into the
+// text, one that went goes.
+Text followHtml(TextView plain, TextView before, TextView after);
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,54 @@
+// Message: the bytes of one message, read once into its parts, and what a mail reader makes of them: which
+// bodies it shows and what it lists as attachments.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "hosts/mailbox/mime/part_tree.h"
+#include "hosts/mailbox/store/message_file.h"
+
+namespace quillfile::mailbox {
+
+// What a mail reader shows of a message.
+struct Layout {
+  // The bodies: the parts that hold the text a reader sees. mime::noPart where there is none.
+  mime::PartIndex html = mime::noPart;
+  mime::PartIndex plain = mime::noPart;  // beside an HTML body: the alternative to it
+  mime::PartIndex rtf = mime::noPart;
+  std::vector<mime::PartIndex> attachments;  // in the order in which they stand
+
+  bool isBody(mime::PartIndex part) const { return part == html || part == plain || part == rtf; }
+};
+
+Layout layoutOf(const mime::PartTree& tree);
+
+// Immutable, shared by the item, its attachments, and the contents that are still to be written.
+class Message {
+ public:
+  explicit Message(std::shared_ptr<MessageFile> file);
+  explicit Message(std::string bytes);  // of a message that is in no folder yet
+  Message(const Message&) = delete;
+  Message& operator=(const Message&) = delete;
+
+  std::string_view bytes() const { return tree_.message(); }
+  const mime::PartTree& tree() const { return tree_; }
+  const Layout& layout() const { return layout_; }
+  mime::Header header() const { return tree_.header(0); }
+  const std::shared_ptr<MessageFile>& file() const { return file_; }  // null for own bytes
+
+  // Gives mapped pages back as `range` is read front to back; see mime::Behind.
+  mime::Behind behind(mime::Range range) const;
+  // Why nothing may be taken out of this message, a sentence; empty when it may.
+  Text whyNothingMayGo() const;
+
+ private:
+  std::shared_ptr<MessageFile> file_;
+  std::string own_;
+  mime::PartTree tree_;
+  Layout layout_;
+};
+
+}  // namespace quillfile::mailbox
