@@ -22,7 +22,7 @@ class Trace {
     try {
       if (log_.wanted())
         log_.write(module_, procedure,
-                   sizeof...(values) == 0 ? Text{pattern} : fill(pattern, valueOf(values)...), 0);
+                   sizeof...(values) == 0 ? Text{pattern} : quillfile::fill(pattern, valueOf(values)...), 0);
     } catch (const Failure&) {
       return;  // a trace that cannot be written must not stop what it describes
     }
