@@ -33,11 +33,11 @@ void EnsureSettings(const Settings& settings, EngineServices& services, const Pa
                     const Ref<Application>& outlookApp) {
   procedure(services, {.name = u".EnsureSettings", .wording = wording::atLine}, [&](Step& at) {
     at(1);
-    const auto nameSpace = outlookApp->nameSpace();
+    const auto nameSpace = held(outlookApp).nameSpace();
     at(2);
     if (settings.stored(u"SaveAllAttachments").value_or(u"Not Found") != u"Not Found") return;
     at(3);
-    writeInbox(settings, *nameSpace->defaultFolder(DefaultFolder::inbox));
+    writeInbox(settings, held(held(nameSpace).defaultFolder(DefaultFolder::inbox)));
     at(4);
     for (const auto key : beforeSavePath) settings.write(key, key->firstRun.value());
     at(5);
