@@ -1,7 +1,8 @@
-// Shows and takes apart what the format readers read, and makes files of known contents for other programs to read.
-//   formats_tool read FILE [FOLDER]           prints the message; writes its attachments into the folder, numbered
-//   formats_tool write FORMAT OUT FILE...     a message with these files attached; FORMAT: msg, tnef, eml
-//   formats_tool convert FORMAT OUT FILE      a message file of one format as another
+// Shows and takes apart what the format readers read, and makes files of known contents for other programs to
+// read.
+//   formats_tool read FILE [FOLDER]           prints the message; writes its attachments into the folder,
+//   numbered formats_tool write FORMAT OUT FILE...     a message with these files attached; FORMAT: msg,
+//   tnef, eml formats_tool convert FORMAT OUT FILE      a message file of one format as another
 #include <cstdio>
 #include <fstream>
 #include <functional>
@@ -23,7 +24,8 @@ std::string contentsOf(const std::string& path) {
 }
 
 ByteSink sinkTo(std::ofstream& file) {
-  return [&](std::string_view bytes) { file.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); };
+  return
+      [&](std::string_view bytes) { file.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); };
 }
 
 std::optional<ReadMessage> readAny(std::string_view bytes) {
@@ -36,13 +38,14 @@ int counter = 0;
 void show(const MessageContent& message, const std::string& folder, const std::string& indent) {
   std::cout << indent << "class=" << toUtf8(message.messageClass) << "\n"
             << indent << "subject=" << toUtf8(message.subject) << "\n"
-            << indent << "sender=" << toUtf8(message.sender.name) << " <" << toUtf8(message.sender.address) << ">\n"
+            << indent << "sender=" << toUtf8(message.sender.name) << " <" << toUtf8(message.sender.address)
+            << ">\n"
             << indent << "recipients=" << message.recipients.size() << " text=" << message.textBody.size()
             << " html=" << message.html.bytes.size() << " rtf=" << message.rtfBody.size() << "\n";
   for (const AttachmentContent& one : message.attachments) {
     std::cout << indent << "attachment method=" << static_cast<int>(one.method) << " size=" << one.size
-              << " name=" << toUtf8(one.fileName) << " display=" << toUtf8(one.displayName) << " type=" << one.mimeType
-              << " cid=" << one.contentId << "\n";
+              << " name=" << toUtf8(one.fileName) << " display=" << toUtf8(one.displayName)
+              << " type=" << one.mimeType << " cid=" << one.contentId << "\n";
     if (one.message) show(*one.message, folder, indent + "  ");
     if (folder.empty() || !one.data) continue;
     std::ofstream file(folder + "/" + std::to_string(counter++), std::ios::binary);
@@ -67,10 +70,10 @@ MessageContent sample(const std::vector<std::string>& files) {
                          .sent = Time(std::chrono::seconds(1'600'000'000)),
                          .messageId = u"<one@example.org>",
                          .textBody = u"Hello,\r\nhere they are.\r\n",
-                         .html = {"<p>Hello, here they are.</p>", 65001},
-                         .attachments = {}};
+                         .html = {"<p>Hello, here they are.</p>", 65001}};
   for (const std::string& path : files) {
-    AttachmentContent one{.fileName = fromUtf8(path.substr(path.rfind('/') + 1)), .mimeType = "application/octet-stream"};
+    AttachmentContent one{.fileName = fromUtf8(path.substr(path.rfind('/') + 1)),
+                          .mimeType = "application/octet-stream"};
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     one.size = static_cast<std::uint64_t>(file.tellg());
     one.data = [path](const ByteSink& sink) {

@@ -1,6 +1,6 @@
-// Bytes on their way: a sink takes them in order, a source gives all of them to a sink. A source can be asked more
-// than once and gives the same bytes each time. What a source refers to must outlive it. (The same types as
-// mime::Sink and mime::Content, so that either's can be handed to the other.)
+// Bytes on their way: a sink takes them in order, a source gives all of them to a sink. A source can be asked
+// more than once and gives the same bytes each time. What a source refers to must outlive it. (The same types
+// as mime::Sink and mime::Content, so that either's can be handed to the other.)
 #pragma once
 
 #include <cstdint>
@@ -25,8 +25,8 @@ inline ByteSource ownedSource(std::string bytes) {
 // Every byte of a source, in memory.
 std::string gathered(const ByteSource& source);
 
-// The bytes of a source whose size was promised; throws Failure when it gives more or fewer. An empty source gives
-// none.
+// The bytes of a source whose size was promised; throws Failure when it gives more or fewer. An empty source
+// gives none.
 void giveExactly(const ByteSource& source, std::uint64_t promised, const ByteSink& sink);
 
 // Gathers small pieces into writes of 64 KB. `flush` must be the last call.

@@ -7,7 +7,9 @@ namespace quillfile::formats::failures {
 
 inline constexpr std::int32_t kNumber = 5;  // "invalid argument", by convention
 
-inline Failure sizeChanged() { return {kNumber, u"An attachment gave another number of bytes than it had announced"}; }
+inline Failure sizeChanged() {
+  return {kNumber, u"An attachment gave another number of bytes than it had announced"};
+}
 inline Failure tooLarge() { return {kNumber, u"The message is too large for this file format"}; }
 inline Failure tooDeep() { return {kNumber, u"The messages inside the message are nested too deeply"}; }
 

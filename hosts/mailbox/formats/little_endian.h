@@ -1,5 +1,5 @@
-// Little-endian numbers, as both file formats keep them. Reading past the end gives zeros: a reader checks its
-// bounds where it has something to say about them.
+// Little-endian numbers, as both file formats keep them. Reading past the end gives zeros: a reader checks
+// its bounds where it has something to say about them.
 #pragma once
 
 #include <cstdint>

@@ -23,7 +23,8 @@ constexpr std::array kClasses = {
 
 Text messageClassOf(TextView itemType, std::string_view method) {
   for (const ClassRow& row : kClasses) {
-    if (row.itemType == itemType && (row.method.empty() || row.method == method)) return Text(row.messageClass);
+    if (row.itemType == itemType && (row.method.empty() || row.method == method))
+      return Text(row.messageClass);
   }
   return u"IPM.Note";
 }

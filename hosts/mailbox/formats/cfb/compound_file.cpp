@@ -70,7 +70,8 @@ void CompoundFile::readDirectory(std::uint32_t firstSector) {
   if (!entries_.empty()) collectChildren(raw);
 }
 
-// An entry belongs to one storage: the first that claims it. So no entry is met twice, whatever the links say.
+// An entry belongs to one storage: the first that claims it. So no entry is met twice, whatever the links
+// say.
 void CompoundFile::collectChildren(const std::vector<RawEntry>& raw) {
   std::vector<bool> seen(raw.size(), false);
   seen[kRoot] = true;
@@ -97,15 +98,18 @@ std::vector<CompoundFile::Index> CompoundFile::childrenOf(const std::vector<RawE
     open.push_back(raw[index].right);
     open.push_back(raw[index].left);
   }
-  const auto before = [&](Index one, Index two) { return nameBefore(entries_[one].name, entries_[two].name); };
+  const auto before = [&](Index one, Index two) {
+    return nameBefore(entries_[one].name, entries_[two].name);
+  };
   std::stable_sort(found.begin(), found.end(), before);
   return found;
 }
 
 std::optional<CompoundFile::Index> CompoundFile::find(Index storage, TextView name) const {
   const auto& children = entries_[storage].children;
-  const auto found = std::lower_bound(children.begin(), children.end(), name,
-                                      [&](Index one, TextView two) { return nameBefore(entries_[one].name, two); });
+  const auto found = std::lower_bound(children.begin(), children.end(), name, [&](Index one, TextView two) {
+    return nameBefore(entries_[one].name, two);
+  });
   if (found == children.end() || nameBefore(name, entries_[*found].name)) return std::nullopt;
   return *found;
 }
@@ -148,7 +152,8 @@ std::vector<std::uint32_t> CompoundFile::chain(std::uint32_t first) const {
   return result;
 }
 
-// A stream's size ends its chain, so a loop ends too: no stream is longer than the file, or it is not read at all.
+// A stream's size ends its chain, so a loop ends too: no stream is longer than the file, or it is not read at
+// all.
 bool CompoundFile::read(Index stream, const ByteSink& sink) const {
   const Entry& from = entries_[stream];
   if (from.storage || from.size > bytes_.size()) return false;

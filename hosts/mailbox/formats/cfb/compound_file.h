@@ -1,5 +1,5 @@
-// CompoundFile: reads a compound file ([MS-CFB] versions 3 and 4) that lies in memory, a mapped file usually. It
-// trusts nothing in it: chains that loop, numbers that point outside and trees that bite their tail end in
+// CompoundFile: reads a compound file ([MS-CFB] versions 3 and 4) that lies in memory, a mapped file usually.
+// It trusts nothing in it: chains that loop, numbers that point outside and trees that bite their tail end in
 // something missing, never in a crash, an endless loop or much memory.
 #pragma once
 
@@ -33,7 +33,8 @@ class CompoundFile {
   const Entry& entry(Index index) const { return entries_[index]; }
   // The entry of that name in a storage, ignoring the case of letters.
   std::optional<Index> find(Index storage, TextView name) const;
-  // Gives a stream's bytes to the sink, in order. False when the file is damaged: what could be read was given.
+  // Gives a stream's bytes to the sink, in order. False when the file is damaged: what could be read was
+  // given.
   bool read(Index stream, const ByteSink& sink) const;
 
  private:
@@ -42,9 +43,10 @@ class CompoundFile {
   bool readTables();
   void readDirectory(std::uint32_t firstSector);
   void collectChildren(const std::vector<RawEntry>& raw);
-  std::vector<Index> childrenOf(const std::vector<RawEntry>& raw, Index storage, std::vector<bool>& seen) const;
+  std::vector<Index> childrenOf(const std::vector<RawEntry>& raw, Index storage,
+                                std::vector<bool>& seen) const;
   std::string_view sector(std::uint32_t number) const;
-  std::uint32_t next(std::uint32_t number) const;       // kEndOfChain outside the tables
+  std::uint32_t next(std::uint32_t number) const;  // kEndOfChain outside the tables
   std::uint32_t nextSmall(std::uint32_t number) const;
   std::string_view smallSector(std::uint32_t number) const;
   std::vector<std::uint32_t> chain(std::uint32_t first) const;
@@ -52,10 +54,10 @@ class CompoundFile {
   std::string_view bytes_;
   std::uint64_t sectorSize_ = 512;
   std::uint64_t sectorCount_ = 0;
-  bool largeSizes_ = false;                // version 4: sizes of 64 bits
-  std::vector<std::uint32_t> fat_;         // the sectors that hold the table of sectors
-  std::vector<std::uint32_t> smallFat_;    // ... of small sectors
-  std::vector<std::uint32_t> smallData_;   // the sectors that hold the small ones
+  bool largeSizes_ = false;               // version 4: sizes of 64 bits
+  std::vector<std::uint32_t> fat_;        // the sectors that hold the table of sectors
+  std::vector<std::uint32_t> smallFat_;   // ... of small sectors
+  std::vector<std::uint32_t> smallData_;  // the sectors that hold the small ones
   std::vector<Entry> entries_;
 };
 

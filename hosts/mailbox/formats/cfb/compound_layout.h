@@ -22,7 +22,8 @@ inline constexpr std::uint64_t kSmallSector = 64;
 inline constexpr std::uint64_t kCutOff = 4096;  // streams below this live in small sectors
 inline constexpr std::uint64_t kLargestFile = 0x7FFFFFFF;
 
-// The order of names in a storage: the shorter first, then by upper-case letters. The names of a .msg are ASCII.
+// The order of names in a storage: the shorter first, then by upper-case letters. The names of a .msg are
+// ASCII.
 inline bool nameBefore(TextView one, TextView two) {
   if (one.size() != two.size()) return one.size() < two.size();
   const auto upper = [](char16_t unit) { return unit >= u'a' && unit <= u'z' ? unit - 32 : int{unit}; };

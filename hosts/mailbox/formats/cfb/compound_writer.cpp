@@ -81,8 +81,9 @@ bool CompoundWriter::isSmall(const Entry& entry) const {
   return entry.kind == Kind::stream && entry.size < kCutOff;
 }
 
-// A storage's entries form a red-black tree. Halving a sorted list gives a tree whose levels are full but for the
-// last: black everywhere, red on the last unfilled level (`full` is the number of full ones), is a valid colouring.
+// A storage's entries form a red-black tree. Halving a sorted list gives a tree whose levels are full but for
+// the last: black everywhere, red on the last unfilled level (`full` is the number of full ones), is a valid
+// colouring.
 std::uint32_t CompoundWriter::linkTree(const std::vector<std::uint32_t>& sorted, std::size_t depth,
                                        std::size_t full) {
   struct Span {
@@ -139,7 +140,8 @@ CompoundWriter::Layout CompoundWriter::plan() {
   }
   Entry& root = entries_[kRoot];
   root.size = at.smallSectors * kSmallSector;
-  root.start = root.size == 0 ? kEndOfChain : static_cast<std::uint32_t>(at.total() - at.large - at.smallData);
+  root.start =
+      root.size == 0 ? kEndOfChain : static_cast<std::uint32_t>(at.total() - at.large - at.smallData);
   return at;
 }
 

@@ -1,6 +1,7 @@
-// CompoundWriter: writes a compound file ([MS-CFB] version 3), storages and streams in one file, as a .msg is one.
-// Every stream's size is known before the first byte is written, so the file goes out front to back in one pass:
-// the sink need not seek, nothing but the directory is kept in memory, and equal input gives an equal file.
+// CompoundWriter: writes a compound file ([MS-CFB] version 3), storages and streams in one file, as a .msg is
+// one. Every stream's size is known before the first byte is written, so the file goes out front to back in
+// one pass: the sink need not seek, nothing but the directory is kept in memory, and equal input gives an
+// equal file.
 #pragma once
 
 #include <array>

@@ -17,16 +17,20 @@ struct Row {
 
 // The first name of a number is the one that is written.
 constexpr std::array kCodePages = {
-    Row{65001, "utf-8"},        Row{20127, "us-ascii"},     Row{28591, "iso-8859-1"},  Row{28592, "iso-8859-2"},
-    Row{28593, "iso-8859-3"},   Row{28594, "iso-8859-4"},   Row{28595, "iso-8859-5"},  Row{28596, "iso-8859-6"},
-    Row{28597, "iso-8859-7"},   Row{28598, "iso-8859-8"},   Row{28599, "iso-8859-9"},  Row{28603, "iso-8859-13"},
-    Row{28605, "iso-8859-15"},  Row{20866, "koi8-r"},       Row{21866, "koi8-u"},      Row{932, "shift_jis"},
-    Row{936, "gb2312"},         Row{936, "gbk"},            Row{949, "ks_c_5601-1987"}, Row{950, "big5"},
-    Row{50220, "iso-2022-jp"},  Row{51932, "euc-jp"},       Row{51949, "euc-kr"},      Row{54936, "gb18030"},
-    Row{50225, "iso-2022-kr"},  Row{10000, "macintosh"},    Row{874, "windows-874"},   Row{437, "ibm437"},
-    Row{850, "ibm850"},         Row{852, "ibm852"},         Row{65000, "utf-7"},       Row{1250, "windows-1250"},
-    Row{1251, "windows-1251"},  Row{1252, "windows-1252"},  Row{1253, "windows-1253"}, Row{1254, "windows-1254"},
-    Row{1255, "windows-1255"},  Row{1256, "windows-1256"},  Row{1257, "windows-1257"}, Row{1258, "windows-1258"},
+    Row{65001, "utf-8"},        Row{20127, "us-ascii"},    Row{28591, "iso-8859-1"},
+    Row{28592, "iso-8859-2"},   Row{28593, "iso-8859-3"},  Row{28594, "iso-8859-4"},
+    Row{28595, "iso-8859-5"},   Row{28596, "iso-8859-6"},  Row{28597, "iso-8859-7"},
+    Row{28598, "iso-8859-8"},   Row{28599, "iso-8859-9"},  Row{28603, "iso-8859-13"},
+    Row{28605, "iso-8859-15"},  Row{20866, "koi8-r"},      Row{21866, "koi8-u"},
+    Row{932, "shift_jis"},      Row{936, "gb2312"},        Row{936, "gbk"},
+    Row{949, "ks_c_5601-1987"}, Row{950, "big5"},          Row{50220, "iso-2022-jp"},
+    Row{51932, "euc-jp"},       Row{51949, "euc-kr"},      Row{54936, "gb18030"},
+    Row{50225, "iso-2022-kr"},  Row{10000, "macintosh"},   Row{874, "windows-874"},
+    Row{437, "ibm437"},         Row{850, "ibm850"},        Row{852, "ibm852"},
+    Row{65000, "utf-7"},        Row{1250, "windows-1250"}, Row{1251, "windows-1251"},
+    Row{1252, "windows-1252"},  Row{1253, "windows-1253"}, Row{1254, "windows-1254"},
+    Row{1255, "windows-1255"},  Row{1256, "windows-1256"}, Row{1257, "windows-1257"},
+    Row{1258, "windows-1258"},
 };
 
 constexpr std::uint32_t kUtf16 = 1200;

@@ -12,7 +12,8 @@ namespace quillfile::formats::mapi {
 inline constexpr std::uint32_t kUtf8 = 65001;
 inline constexpr std::uint32_t kWestern = 1252;
 
-// The charset's name in mail: "utf-8" for 65001, "windows-1252" for 1252. A number that nobody knows: "windows-<n>".
+// The charset's name in mail: "utf-8" for 65001, "windows-1252" for 1252. A number that nobody knows:
+// "windows-<n>".
 std::string charsetOf(std::uint32_t codePage);
 // The opposite; `otherwise` where the charset has no number.
 std::uint32_t codePageOf(std::string_view charset, std::uint32_t otherwise);

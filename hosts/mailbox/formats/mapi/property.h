@@ -1,5 +1,5 @@
-// Properties: numbered, typed values ([MS-OXPROPS], [MS-OXCDATA]). Messages, recipients and attachments are sets of
-// them, in .msg and in TNEF alike.
+// Properties: numbered, typed values ([MS-OXPROPS], [MS-OXCDATA]). Messages, recipients and attachments are
+// sets of them, in .msg and in TNEF alike.
 #pragma once
 
 #include <cstdint>

@@ -75,7 +75,8 @@ void takeMessage(const Properties& properties, ReadMessage& to) {
   for (const TimeField& field : kTimes) {
     if (properties.has(field.id)) message.*field.field = fromFileTime(properties.number(field.id));
   }
-  const std::int64_t importance = properties.number(Id::importance, static_cast<std::int64_t>(message.importance));
+  const std::int64_t importance =
+      properties.number(Id::importance, static_cast<std::int64_t>(message.importance));
   if (importance >= 0 && importance <= 2) message.importance = static_cast<Importance>(importance);
   if (properties.has(Id::message_flags)) {
     const std::int64_t flags = properties.number(Id::message_flags);

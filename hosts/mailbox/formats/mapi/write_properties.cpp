@@ -47,13 +47,16 @@ void addBodies(Properties& to, const MessageContent& message) {
     to.add(Id::rtf_compressed, Type::binary, compressRtf(message.rtfBody));
     to.addFlag(Id::rtf_in_sync, true);
   }
-  to.addNumber(Id::native_body, !message.html.bytes.empty() ? kHtml : !message.rtfBody.empty() ? kRtf : kPlain);
+  to.addNumber(Id::native_body, !message.html.bytes.empty() ? kHtml
+                                : !message.rtfBody.empty()  ? kRtf
+                                                            : kPlain);
   to.addNumber(Id::internet_code_page, message.html.codePage);
 }
 
 // An entry that says by itself who it is ([MS-OXCDATA] 2.2.5.1).
 std::string oneOffEntryId(const Mailbox& mailbox) {
-  static constexpr std::string_view kProvider("\x81\x2B\x1F\xA4\xBE\xA3\x10\x19\x9D\x6E\x00\xDD\x01\x0F\x54\x02", 16);
+  static constexpr std::string_view kProvider(
+      "\x81\x2B\x1F\xA4\xBE\xA3\x10\x19\x9D\x6E\x00\xDD\x01\x0F\x54\x02", 16);
   std::string result;
   put32(result, 0);
   result += kProvider;
@@ -144,7 +147,8 @@ Properties attachmentProperties(const AttachmentContent& attachment, std::size_t
   result.addNumber(Id::attach_method, static_cast<std::int64_t>(attachment.method));
   result.addNumber(Id::attach_size, static_cast<std::int64_t>(attachment.size));
   result.addNumber(Id::rendering_position, -1);
-  result.addText(Id::display_name, attachment.displayName.empty() ? attachment.fileName : attachment.displayName);
+  result.addText(Id::display_name,
+                 attachment.displayName.empty() ? attachment.fileName : attachment.displayName);
   if (!attachment.fileName.empty()) {
     result.addText(Id::attach_filename, shortName(attachment.fileName, index));
     result.addText(Id::attach_long_filename, attachment.fileName);

@@ -9,11 +9,12 @@
 namespace quillfile::formats {
 
 // Writes the message in one pass; memory does not grow with its attachments. Equal messages give equal bytes.
-// Throws Failure when it is too large (2 GB), nested too deeply (kMaxDepth) or a source does not keep to its size.
+// Throws Failure when it is too large (2 GB), nested too deeply (kMaxDepth) or a source does not keep to its
+// size.
 void writeMessageFile(const MessageContent& message, const ByteSink& sink);
 
-// Nothing when the bytes are no message file. They must outlive the sources of the attachments. Attachments that
-// are OLE objects come as compound files of their own. Named properties are passed over.
+// Nothing when the bytes are no message file. They must outlive the sources of the attachments. Attachments
+// that are OLE objects come as compound files of their own. Named properties are passed over.
 std::optional<ReadMessage> readMessageFile(std::string_view bytes);
 
 }  // namespace quillfile::formats

@@ -20,7 +20,8 @@ using Index = CompoundFile::Index;
 
 class Reader {
  public:
-  Reader(std::shared_ptr<const CompoundFile> file, std::uint64_t budget) : file_(std::move(file)), budget_(budget) {}
+  Reader(std::shared_ptr<const CompoundFile> file, std::uint64_t budget)
+      : file_(std::move(file)), budget_(budget) {}
 
   ReadMessage message(Index storage, std::size_t header, int depth) {
     ReadMessage result;
@@ -43,8 +44,8 @@ class Reader {
  private:
   static constexpr TextView kDamaged = u"The message file is damaged";
 
-  // A stream's bytes. In an honest file no two streams share a byte, so all of them together are shorter than the
-  // file; what goes past that is not read.
+  // A stream's bytes. In an honest file no two streams share a byte, so all of them together are shorter than
+  // the file; what goes past that is not read.
   std::string bytesOf(Index stream, std::vector<Text>& doubts) {
     const std::uint64_t size = file_->entry(stream).size;
     std::string result;
@@ -76,11 +77,19 @@ class Reader {
     const auto type = static_cast<Type>(tag & 0xFFFF);
     if (!mapi::isKnown(number) || id == Id::attach_data || to.has(id)) return;
     switch (type) {
-      case Type::int16: to.add(id, type, static_cast<std::int16_t>(value)); break;
-      case Type::int32: to.add(id, type, static_cast<std::int32_t>(value)); break;
-      case Type::boolean: to.add(id, type, static_cast<std::int64_t>((value & 0xFFFF) != 0)); break;
+      case Type::int16:
+        to.add(id, type, static_cast<std::int16_t>(value));
+        break;
+      case Type::int32:
+        to.add(id, type, static_cast<std::int32_t>(value));
+        break;
+      case Type::boolean:
+        to.add(id, type, static_cast<std::int64_t>((value & 0xFFFF) != 0));
+        break;
       case Type::int64:
-      case Type::time: to.add(id, type, static_cast<std::int64_t>(value)); break;
+      case Type::time:
+        to.add(id, type, static_cast<std::int64_t>(value));
+        break;
       case Type::unicode:
       case Type::string8:
       case Type::binary: {
@@ -97,7 +106,8 @@ class Reader {
         }
         break;
       }
-      default: break;  // of the properties that are read, none has another type
+      default:
+        break;  // of the properties that are read, none has another type
     }
   }
 

@@ -73,10 +73,11 @@ std::string messageHeader(const MessageContent& message, int depth) {
   return header;
 }
 
-void writeMessage(CompoundWriter& file, CompoundWriter::Storage storage, const MessageContent& message, int depth);
+void writeMessage(CompoundWriter& file, CompoundWriter::Storage storage, const MessageContent& message,
+                  int depth);
 
-void writeAttachment(CompoundWriter& file, CompoundWriter::Storage storage, const AttachmentContent& attachment,
-                     std::size_t index, int depth) {
+void writeAttachment(CompoundWriter& file, CompoundWriter::Storage storage,
+                     const AttachmentContent& attachment, std::size_t index, int depth) {
   PropertyStream properties(file, storage, std::string(kPartHeader, '\0'));
   properties.add(mapi::attachmentProperties(attachment, index));
   if (attachment.message) {
@@ -87,7 +88,8 @@ void writeAttachment(CompoundWriter& file, CompoundWriter::Storage storage, cons
   properties.finish();
 }
 
-void writeMessage(CompoundWriter& file, CompoundWriter::Storage storage, const MessageContent& message, int depth) {
+void writeMessage(CompoundWriter& file, CompoundWriter::Storage storage, const MessageContent& message,
+                  int depth) {
   if (depth > kMaxDepth) throw failures::tooDeep();
   PropertyStream properties(file, storage, messageHeader(message, depth));
   properties.add(mapi::messageProperties(message));
@@ -110,7 +112,8 @@ void writeMessageFile(const MessageContent& message, const ByteSink& sink) {
   CompoundWriter file(kMessageClassId);
   // The three tables of named properties must be there; they are empty, for no property here has a name.
   const auto named = file.addStorage(CompoundWriter::kRoot, kNamedProperties);
-  for (const std::uint32_t table : {0x00020102, 0x00030102, 0x00040102}) file.addStream(named, valueName(table), {});
+  for (const std::uint32_t table : {0x00020102, 0x00030102, 0x00040102})
+    file.addStream(named, valueName(table), {});
   writeMessage(file, CompoundWriter::kRoot, message, 1);
   file.write(sink);
 }

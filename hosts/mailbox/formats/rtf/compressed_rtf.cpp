@@ -39,10 +39,12 @@ std::uint32_t checksum(std::string_view bytes) {
   return sum;
 }
 
-// Finds earlier occurrences within the dictionary's reach: chains of the places where the same three bytes begin.
+// Finds earlier occurrences within the dictionary's reach: chains of the places where the same three bytes
+// begin.
 class Matcher {
  public:
-  explicit Matcher(std::string_view text) : text_(text), heads_(kHeads, kNowhere), earlier_(text.size(), kNowhere) {}
+  explicit Matcher(std::string_view text)
+      : text_(text), heads_(kHeads, kNowhere), earlier_(text.size(), kNowhere) {}
 
   struct Match {
     std::size_t at = 0, length = 0;
@@ -130,7 +132,8 @@ std::string expand(std::string_view tokens, std::size_t most) {
         continue;
       }
       if (tokens.size() - at < 2) return result;
-      const unsigned token = static_cast<unsigned char>(tokens[at]) << 8 | static_cast<unsigned char>(tokens[at + 1]);
+      const unsigned token =
+          static_cast<unsigned char>(tokens[at]) << 8 | static_cast<unsigned char>(tokens[at + 1]);
       at += 2;
       std::size_t from = token >> 4;
       if (from == end) return result;  // the end mark

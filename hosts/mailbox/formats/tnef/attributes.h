@@ -34,8 +34,8 @@ enum class Attribute : std::uint32_t {
 inline constexpr std::size_t kAttributeHeader = 9, kChecksum = 2;
 
 // What stands before the data of an object property: which interface reads it.
-inline constexpr std::string_view kMessageInterface("\x07\x03\x02\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46",
-                                                    16);
+inline constexpr std::string_view kMessageInterface(
+    "\x07\x03\x02\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46", 16);
 
 inline std::uint16_t checksumOf(std::string_view bytes, std::uint16_t sum = 0) {
   for (const char byte : bytes) sum = static_cast<std::uint16_t>(sum + static_cast<unsigned char>(byte));

@@ -17,14 +17,18 @@ std::size_t fixedLength(Type type) {
     case Type::boolean:
     case Type::int32:
     case Type::float32:
-    case Type::error: return 4;
+    case Type::error:
+      return 4;
     case Type::float64:
     case Type::currency:
     case Type::app_time:
     case Type::int64:
-    case Type::time: return 8;
-    case Type::guid: return 16;
-    default: return 0;
+    case Type::time:
+      return 8;
+    case Type::guid:
+      return 16;
+    default:
+      return 0;
   }
 }
 
@@ -89,18 +93,25 @@ class Cursor {
 
 mapi::Value valueOf(Type type, std::string_view bytes) {
   switch (type) {
-    case Type::int16: return std::int64_t{static_cast<std::int16_t>(get16(bytes, 0))};
-    case Type::boolean: return std::int64_t{get16(bytes, 0) != 0};
+    case Type::int16:
+      return std::int64_t{static_cast<std::int16_t>(get16(bytes, 0))};
+    case Type::boolean:
+      return std::int64_t{get16(bytes, 0) != 0};
     case Type::int32:
-    case Type::error: return std::int64_t{static_cast<std::int32_t>(get32(bytes, 0))};
+    case Type::error:
+      return std::int64_t{static_cast<std::int32_t>(get32(bytes, 0))};
     case Type::int64:
-    case Type::time: return static_cast<std::int64_t>(get64(bytes, 0));
-    case Type::unicode: return utf16Text(bytes);
-    default: return std::string(bytes);
+    case Type::time:
+      return static_cast<std::int64_t>(get64(bytes, 0));
+    case Type::unicode:
+      return utf16Text(bytes);
+    default:
+      return std::string(bytes);
   }
 }
 
-// A property above 0x8000 has a set, and a number or a name in it. Nothing here asks for one: it is passed over.
+// A property above 0x8000 has a set, and a number or a name in it. Nothing here asks for one: it is passed
+// over.
 void skipName(Cursor& cursor) {
   cursor.take(16);
   if (cursor.number() == 0) {
@@ -154,7 +165,8 @@ std::string objectHeader(Id id, std::uint64_t length) {
 bool readProperties(std::string_view& bytes, mapi::Properties& to, const ObjectHandler& object) {
   Cursor cursor(bytes);
   bool whole = true;
-  for (std::uint32_t left = cursor.number(); left > 0 && whole; --left) whole = readProperty(cursor, to, object);
+  for (std::uint32_t left = cursor.number(); left > 0 && whole; --left)
+    whole = readProperty(cursor, to, object);
   bytes = cursor.left();
   return whole && !cursor.failed();
 }

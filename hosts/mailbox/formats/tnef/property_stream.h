@@ -1,5 +1,5 @@
-// The properties inside a TNEF attribute ([MS-OXTNEF] 2.1.3.4): a count, then for each a tag, a name where the
-// number is above 0x8000, and its value or values, padded to four bytes.
+// The properties inside a TNEF attribute ([MS-OXTNEF] 2.1.3.4): a count, then for each a tag, a name where
+// the number is above 0x8000, and its value or values, padded to four bytes.
 #pragma once
 
 #include <functional>
@@ -21,8 +21,8 @@ inline std::size_t padding(std::uint64_t length) { return static_cast<std::size_
 // Objects are not put among the properties: `object` is called with the first value of each.
 using ObjectHandler = std::function<void(mapi::Id id, std::string_view value)>;
 
-// Reads one set of properties and cuts it off the front of `bytes`. False when it is damaged: what was read until
-// there stays.
+// Reads one set of properties and cuts it off the front of `bytes`. False when it is damaged: what was read
+// until there stays.
 bool readProperties(std::string_view& bytes, mapi::Properties& to, const ObjectHandler& object = {});
 
 // A count, and that many sets of properties.

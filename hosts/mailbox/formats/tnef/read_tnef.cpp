@@ -95,7 +95,8 @@ constexpr Row kRows[] = {
     {Attribute::code_page, [](RawMessage& to, std::string_view data) { to.page = get32(data, 0); }},
     {Attribute::from, [](RawMessage& to, std::string_view data) { to.from = data; }},
     {Attribute::subject, [](RawMessage& to, std::string_view data) { to.subject = untilZero(data); }},
-    {Attribute::message_class, [](RawMessage& to, std::string_view data) { to.messageClass = untilZero(data); }},
+    {Attribute::message_class,
+     [](RawMessage& to, std::string_view data) { to.messageClass = untilZero(data); }},
     {Attribute::message_id, [](RawMessage& to, std::string_view data) { to.messageId = untilZero(data); }},
     {Attribute::body, [](RawMessage& to, std::string_view data) { to.body = untilZero(data); }},
     {Attribute::date_sent, [](RawMessage& to, std::string_view data) { to.sent = dateOf(data); }},
@@ -103,7 +104,8 @@ constexpr Row kRows[] = {
     {Attribute::message_properties, takeProperties},
     {Attribute::recipients, takeRecipients},
     {Attribute::attach_render_data, [](RawMessage& to, std::string_view) { to.beginAttachment(); }},
-    {Attribute::attach_title, [](RawMessage& to, std::string_view data) { to.attachment().title = untilZero(data); }},
+    {Attribute::attach_title,
+     [](RawMessage& to, std::string_view data) { to.attachment().title = untilZero(data); }},
     {Attribute::attach_data, [](RawMessage& to, std::string_view data) { to.attachment().data = data; }},
     {Attribute::attachment, takeAttachmentProperties},
 };
@@ -171,7 +173,8 @@ class Reader {
     message.sent = raw.sent;
     message.received = raw.received;
     mapi::takeMessage(raw.properties, result);
-    for (const mapi::Properties& row : raw.recipients) message.recipients.push_back(mapi::takeRecipient(row, page));
+    for (const mapi::Properties& row : raw.recipients)
+      message.recipients.push_back(mapi::takeRecipient(row, page));
     for (const RawAttachment& one : raw.attachments) {
       message.attachments.push_back(attachmentOf(one, page, depth, result.doubts));
     }

@@ -9,12 +9,13 @@
 namespace quillfile::formats {
 
 // Writes the message in one pass; memory does not grow with its attachments. Equal messages give equal bytes.
-// Throws Failure when a part is too large (4 GB), the messages are nested too deeply (kMaxDepth) or a source does
-// not keep to its size.
+// Throws Failure when a part is too large (4 GB), the messages are nested too deeply (kMaxDepth) or a source
+// does not keep to its size.
 void writeTnef(const MessageContent& message, const ByteSink& sink);
 
-// Nothing when the bytes are no TNEF stream. Attachments are ranges of the bytes given, which must outlive them;
-// names are as the stream has them. A stream that is cut off or damaged gives what can be read, and doubts.
+// Nothing when the bytes are no TNEF stream. Attachments are ranges of the bytes given, which must outlive
+// them; names are as the stream has them. A stream that is cut off or damaged gives what can be read, and
+// doubts.
 std::optional<ReadMessage> readTnef(std::string_view bytes);
 
 }  // namespace quillfile::formats

@@ -1,5 +1,3 @@
-#include <ctime>
-
 #include "hosts/mailbox/formats/failures.h"
 #include "hosts/mailbox/formats/little_endian.h"
 #include "hosts/mailbox/formats/mapi/code_page.h"
@@ -14,8 +12,8 @@ using namespace tnef;
 
 namespace {
 
-// A length of bytes, and what gives them when they are wanted: a stream's lengths stand before its contents, so the
-// messages in a message are measured first and written after.
+// A length of bytes, and what gives them when they are wanted: a stream's lengths stand before its contents,
+// so the messages in a message are measured first and written after.
 struct Content {
   std::uint64_t length = 0;
   ByteSource give;
@@ -116,9 +114,9 @@ void writeAttachment(const AttachmentContent& attachment, std::size_t index, int
   put32(rendering, 0);           // no size on the screen
   put32(rendering, 0);
   to.attribute(Level::attachment, Attribute::attach_render_data, rendering);
-  const Text& title = attachment.fileName.empty() ? attachment.displayName : attachment.fileName;
-  to.attribute(Level::attachment, Attribute::attach_title, zeroEnded(title));
-  if (!attachment.message && attachment.method != AttachMethod::by_reference) {
+  to.attribute(Level::attachment, Attribute::attach_title, zeroEnded(attachment.fileName));
+  // An attribute without bytes stops some readers: an empty file has none.
+  if (!attachment.message && attachment.size > 0) {
     to.attribute(Level::attachment, Attribute::attach_data, Content{attachment.size, attachment.data});
   }
   to.attribute(Level::attachment, Attribute::attachment, attachmentProperties(attachment, index, depth));
@@ -139,7 +137,8 @@ void writeMessage(const MessageContent& message, int depth, Stream& to) {
   to.attribute(Level::message, Attribute::subject, zeroEnded(message.subject));
   if (message.sent) to.attribute(Level::message, Attribute::date_sent, dateBytes(*message.sent));
   if (message.received) to.attribute(Level::message, Attribute::date_received, dateBytes(*message.received));
-  to.attribute(Level::message, Attribute::message_properties, propertyBytes(mapi::messageProperties(message)));
+  to.attribute(Level::message, Attribute::message_properties,
+               propertyBytes(mapi::messageProperties(message)));
   to.attribute(Level::message, Attribute::recipients, recipientRows(message));
   for (std::size_t i = 0; i < message.attachments.size(); ++i) {
     writeAttachment(message.attachments[i], i, depth, to);
