@@ -39,19 +39,19 @@ struct RemovedAttachment {
 
 // What one event makes of one message, all of it at once.
 struct MessageChange {
-  std::shared_ptr<MailFolder> folder;  // where the message is
-  std::string unique;                  // its unique name there
+  std::shared_ptr<MailFolder> folder{};  // where the message is
+  std::string unique{};                  // its unique name there
   std::shared_ptr<MessageFile>
-      source;  // open, and locked by the caller; null for a change that needs no bytes
+      source{};  // open, and locked by the caller; null for a change that needs no bytes
 
-  Content content;                                // the whole new message; empty: its bytes stay as they are
-  std::function<bool(std::string_view)> check;    // may be empty; looks at the new message as read back
-  std::vector<RemovedAttachment> removed;         // what the new message no longer holds
-  std::vector<std::shared_ptr<SavedFile>> needs;  // further files that must be durable before the change
-  std::string setFlags;                           // letters to set, "S" for read
-  std::string clearFlags;                         // letters to clear
-  std::shared_ptr<MailFolder> moveTo;             // null: it stays where it is
-  bool erase = false;                             // the message goes for good
+  Content content{};                              // the whole new message; empty: its bytes stay as they are
+  std::function<bool(std::string_view)> check{};  // may be empty; looks at the new message as read back
+  std::vector<RemovedAttachment> removed{};       // what the new message no longer holds
+  std::vector<std::shared_ptr<SavedFile>> needs{};  // further files that must be durable before the change
+  std::string setFlags{};                           // letters to set, "S" for read
+  std::string clearFlags{};                         // letters to clear
+  std::shared_ptr<MailFolder> moveTo{};             // null: it stays where it is
+  bool erase = false;                               // the message goes for good
 };
 
 enum class ChangeOutcome {
