@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,9 +28,9 @@ Encoding encodingNamed(std::string_view value);
 Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind = {});
 
 // A second decoder for base64 and quoted-printable that shares no code with the first, a byte at a time and
-// strict: true, and all bytes in `sink`, only when the input is exactly as the encoding promises. What was
-// written is verified with it.
-bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink);
+// strict: none when the input is not exactly as the encoding promises, and for other encodings. What was
+// written is verified with it, a stretch at a time.
+std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded);
 
 // The whole of it at once, for bodies and other small things; `doubt` may be null.
 std::string decoded(Encoding encoding, std::string_view encoded, Doubt* doubt = nullptr);

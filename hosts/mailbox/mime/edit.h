@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/text/text.h"
@@ -18,46 +19,51 @@ enum class BodyFormat { plain, html };
 struct NewPart {
   Text name;  // of the file, may be empty
   std::string type =
-      "application/octet-stream";  // type/subtype; message/rfc822 is never encoded, see Edit::add
+      "application/octet-stream";  // type/subtype; message/rfc822 is written as it is, others in base64
   Text description;                // Content-Description; none when empty
   Content content;
 };
 
 class Edit {
  public:
-  // The tree must outlive the edit. Ask `tree.doubt()` and `protection()` first: an edit does not.
-  explicit Edit(const PartTree& tree) : tree_{tree} {}
+  // The tree must outlive the edit. Ask tree.doubt(), the parts' doubts and protection() first: an edit does
+  // not.
+  explicit Edit(const PartTree& tree);
 
   // The part goes, with its boundary line. A multipart stays, however few parts are left in it. Where the
-  // part is the whole message (0), an empty text/plain body takes its place.
+  // part is the whole message (0), a new body takes its place, or an empty one.
   void remove(PartIndex part);
-  // The text of a text/* leaf. It keeps its charset and transfer encoding when the new text fits them; else
-  // the part becomes UTF-8 in quoted-printable. Line ends in `text` may be of any kind.
+  // The text of a text/* leaf. It keeps its charset and transfer encoding where the new text fits them; else
+  // the part becomes UTF-8, or quoted-printable, or base64. Line ends in `text` may be of any kind.
   void setText(PartIndex part, TextView text);
-  // A body for a message that has none of that format: in front of all other parts.
+  // A body for a message that has none of that format: before all other parts, in the order of the calls.
   void addBody(BodyFormat format, TextView text);
-  // Behind all other parts. A message that is no multipart/mixed becomes the first part of one.
+  // After all other parts. A message that is no multipart/mixed becomes the first part of one.
   void add(NewPart part);
-  // A field of the message's own header: the first of that name is replaced and others of that name go, or it
-  // is added at the end of the header. Encoded as needed. An empty value takes the field away.
+  // A field of the message's own header: the first of that name is replaced and others of that name go; a new
+  // one stands at the end of the header. `value` is any text where the field is unstructured, else ASCII
+  // already (see encodedAddress). An empty one takes the field away. Not for Content-* fields.
   void setHeader(std::string_view name, TextView value);
 
   bool empty() const;
-  bool removes(PartIndex part) const { return removed_.contains(part); }
+  bool removes(PartIndex part) const;  // the part itself, or one that it is in
+
+  // The rewritten message, and the ranges of the original that it leaves out, ascending; see check().
   Pieces pieces() const;
-  // The ranges of the original that the pieces leave out, ascending; see check().
   std::vector<Range> cuts() const;
+  // Whether every leaf that this edit does not touch is in `rewritten`, in order, with its bytes and its
+  // encoding, and nothing but what was added beside them. Reads the trees, not the pieces: a second opinion.
+  bool holds(const PartTree& rewritten) const;
 
  private:
-  struct Change;
-  std::vector<Change> changes() const;
-
+  friend class Splice;
   const PartTree& tree_;
+  std::string boundary_;  // of the multipart/mixed that may be made
   std::set<PartIndex> removed_;
   std::map<PartIndex, Text> texts_;
   std::vector<std::pair<BodyFormat, Text>> bodies_;
   std::vector<NewPart> added_;
-  std::map<std::string, Text> headers_;
+  std::vector<std::pair<std::string, Text>> headers_;
 };
 
 }  // namespace quillfile::mime

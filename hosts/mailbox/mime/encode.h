@@ -1,39 +1,40 @@
-// Transfer encodings done: base64 and quoted-printable, and words and parameters of a header.
+// Transfer encodings done: base64 and quoted-printable.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
-#include "core/text/text.h"
 #include "hosts/mailbox/mime/range.h"
 
 namespace quillfile::mime {
 
-// Base64 in lines of 76 columns as the bytes come; every line but the last ends in `lineEnd`.
+inline constexpr std::size_t base64LineBytes = 57;  // bytes on a full line of 76 digits
+
+// Base64 in lines of 76 columns while the bytes come. Every line but the last ends in `lineEnd`.
 class Base64Encoder {
  public:
-  Base64Encoder(std::string_view lineEnd, Sink sink) : lineEnd_{lineEnd}, sink_{std::move(sink)} {}
+  // Both must outlive the encoder.
+  Base64Encoder(std::string_view lineEnd, const Sink& sink) : lineEnd_{lineEnd}, sink_{sink} {}
   void write(std::string_view bytes);
-  void finish();
+  void finish();  // once, at the end
 
  private:
   void encodeLine(std::string_view bytes);
-  std::string lineEnd_;
-  Sink sink_;
+  void flush();
+  std::string_view lineEnd_;
+  const Sink& sink_;
   std::string rest_;  // less than a line's bytes
   std::string out_;
-  bool first_ = true;
+  bool firstLine_ = true;
 };
 
 std::string toBase64(std::string_view bytes, std::string_view lineEnd);
-// `text` has line ends of any kind; they become `lineEnd` (RFC 2045 6.7).
-std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd);
 
-// A header value: as it stands when it is short ASCII, else encoded words in UTF-8, folded (RFC 2047).
-std::string encodedText(TextView text, std::string_view lineEnd);
-// "; name=value" for a header, folded before the name: a quoted string when it is ASCII, else RFC 2231 in
-// UTF-8, with continuations when it is long.
-std::string encodedParameter(std::string_view name, TextView value, std::string_view lineEnd);
+// How many bytes toBase64 makes of that many.
+std::size_t base64Size(std::size_t bytes, std::size_t lineEndSize);
+
+// Text bytes as quoted-printable (RFC 2045 6.7): "\r\n", "\n" and "\r" become `lineEnd`. A hyphen at the
+// beginning of a line is encoded, so that no line can be a boundary line.
+std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd);
 
 }  // namespace quillfile::mime

@@ -10,7 +10,8 @@ PartIndex PartTree::after(PartIndex part) const {
 
 std::vector<PartIndex> PartTree::children(PartIndex part) const {
   std::vector<PartIndex> found;
-  for (auto child = part + 1; child < after(part); child = after(child)) found.push_back(child);
+  const auto end = after(part);
+  for (auto child = part + 1; child < end; child = after(child)) found.push_back(child);
   return found;
 }
 

@@ -51,7 +51,7 @@ class PartTree {
   PartIndex size() const { return static_cast<PartIndex>(parts_.size()); }
   // One past the last descendant of `part`, so that loops can step over it.
   PartIndex after(PartIndex part) const;
-  // How many parts have `part` as their parent.
+  // The parts whose parent is `part`, in order.
   std::vector<PartIndex> children(PartIndex part) const;
 
   Header header(PartIndex part) const { return Header{parts_[part].header.of(message_)}; }

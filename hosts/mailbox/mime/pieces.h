@@ -15,22 +15,25 @@ namespace quillfile::mime {
 // Gives its bytes to the sink, the same ones each time it is called. What it throws goes through.
 using Content = std::function<void(const Sink&)>;
 
-// Written as base64 in lines of 76 columns that end in `lineEnd`; the last line has no line end.
-struct EncodedContent {
+// A content that is written as it is, or as base64 in lines of 76 columns (the last one without its line
+// end).
+struct StreamedContent {
   Content content;
+  bool base64 = true;
   std::string lineEnd;
 };
 
-using Piece = std::variant<Range, std::string, EncodedContent>;
+using Piece = std::variant<Range, std::string, StreamedContent>;
 using Pieces = std::vector<Piece>;
 
 // Writes the rewritten message, front to back. `behind` is told about `original`.
 void write(std::string_view original, const Pieces& pieces, const Sink& sink, const Behind& behind = {});
 
-// Whether `rewritten` is exactly what `pieces` say and nothing outside `cuts` (ranges of `original`,
-// ascending) was lost or moved: the proof that is asked for before an original is unlinked. Encoded contents
-// are decoded with the second decoder and compared with their source.
+// The proof that is asked for before an original is unlinked: whether `rewritten` is exactly what `pieces`
+// say, and whether nothing of `original` outside `cuts` (ranges of it, ascending) was lost or moved. Base64
+// contents are decoded with the second decoder and compared with their source. `behind` is told about
+// `rewritten`.
 bool check(std::string_view original, const Pieces& pieces, const std::vector<Range>& cuts,
-           std::string_view rewritten);
+           std::string_view rewritten, const Behind& behind = {});
 
 }  // namespace quillfile::mime
