@@ -56,6 +56,7 @@ class QuillfileExtended {
 
  private:
   Position find(TextView text, TextView wanted, Position start, CompareMode compare);
+  Text folded(TextView text, CompareMode compare);
   Position findPhrase(TextView body, Position start);
   bool checkHtml(TextView body, Position& position, Text& path);
   bool checkText(TextView body, Position& position, TextView format, Text& path);

@@ -7,7 +7,7 @@ namespace {
 
 // A search lowers the text in windows that grow: its cost follows the way to the hit, not the length of the
 // text.
-constexpr Position firstWindow = 256;
+constexpr Position firstWindow = 64;
 constexpr Position largestWindow = 1 << 20;
 
 Position lengthOf(TextView text) { return static_cast<Position>(text.size()); }
