@@ -19,6 +19,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <future>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,6 +28,7 @@
 
 #include "core/text/text.h"
 #include "hosts/mailbox/services/content.h"
+#include "hosts/mailbox/services/flush.h"
 #include "hosts/mailbox/services/saved_files.h"
 #include "hosts/mailbox/store/mail_folder.h"
 
@@ -79,6 +82,9 @@ class BatchReports {
   virtual void onChanged(const ChangeReport& report) = 0;
 };
 
+class BatchChange;
+struct MaildirHandles;
+
 // When a group of events is flushed. The first limit reached counts.
 struct BatchLimits {
   std::size_t messages = 64;
@@ -96,31 +102,33 @@ class Batch {
   SavedFiles& files() { return files_; }
 
   // Takes a change. The answer is the unique name that the message will have: a fresh one when `content` is
-  // set, else the one it has.
+  // set, else the one it has. The message itself is as it was until its group has been flushed.
   std::string change(MessageChange change);
 
-  // Nothing of the event just handled is still to come: flushes when enough has been gathered.
+  // Nothing of the event just handled is still to come: flushes when enough has been gathered. The flush runs
+  // beside the next events; what becomes of them is reported from a later eventEnded() or commit().
   void eventEnded();
-  // Makes everything so. What fails is reported and never thrown.
+  // Makes everything so, and returns when it is. What fails is reported and never thrown.
   void commit();
 
  private:
-  struct Pending;
+  struct Group;
+  std::shared_ptr<MaildirHandles> handlesOf(const MailFolder& folder);
+  bool full() const;
+  void gather();
+  void startFlush(std::launch when);
+  void finishFlush();
+
   BatchReports& reports_;
   BatchLimits limits_;
   SavedFiles files_;
-  std::vector<std::unique_ptr<Pending>> changes_;
+  std::vector<std::unique_ptr<BatchChange>> changes_;  // since the last group was closed
+  std::int64_t changeBytes_ = 0;
+  std::vector<std::unique_ptr<Group>> groups_;  // oldest first, each further than the next
+  std::map<std::string, std::shared_ptr<MaildirHandles>> handles_;
+  std::unique_ptr<Flush> flush_;  // the one that is running
+  std::future<void> flushed_;
+  std::int64_t heldSince_ = 0;  // when the oldest of what is held was taken, in seconds of a steady clock
 };
-
-// What a run that was stopped has left behind: hidden temporary files in `saveFolders`, messages in tmp/ and
-// duplicates (a new message was linked, the old one not yet unlinked) in the store's folders. Called at the
-// start, before anything is saved. Only files of Quillfile's own making are touched, and only those whose
-// maker is gone.
-struct Leftovers {
-  std::int32_t temporaries = 0;
-  std::int32_t duplicates = 0;
-};
-Leftovers cleanUpAfterCrash(const MailFolder& folder);
-Leftovers cleanUpAfterCrash(const std::string& saveFolder);
 
 }  // namespace quillfile::mailbox

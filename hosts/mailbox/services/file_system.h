@@ -34,8 +34,4 @@ class HostLinkedFiles : public LinkedFiles {
   const SavedFiles& files_;
 };
 
-// Makes a folder and its missing parents, each flushed into its own parent when the batch commits. False when
-// it cannot be made.
-bool createFolderPath(const std::string& path);
-
 }  // namespace quillfile::mailbox

@@ -1,5 +1,6 @@
 // SaveFolder: one folder that files are saved into, and the names in it: those on disk, as last listed, and
-// those that are spoken for. The listing is checked against the folder's own change time.
+// those that are spoken for. The listing is checked against the folder's own change time; a name is probed
+// once more before it is given out, so that a stale listing never hands out a taken one.
 #pragma once
 
 #include <cstdint>
@@ -19,30 +20,34 @@ class SaveFolder {
 
   const std::string& path() const { return path_; }
   int descriptor() const { return directory_.get(); }
-  std::uint64_t device() const { return device_; }
+  // False when another folder stands under the path by now, or none.
+  bool stillThere() const;
 
-  // `base` + `extension`, or with the first free "-1", "-2" … between them. The name is spoken for.
+  // `base` + `extension`, or with the first free "-1", "-2" … between them. The name is spoken for. `base` is
+  // cut where the name would be longer than a name may be.
   std::string takeFreeName(const std::string& base, const std::string& extension);
   void take(const std::string& name) { spokenFor_.insert(name); }
   bool spokenFor(const std::string& name) const { return spokenFor_.contains(name); }
-  void release(const std::string& name);
+  void release(const std::string& name) { spokenFor_.erase(name); }
+  bool idle() const { return spokenFor_.empty(); }
 
-  // flock on the folder, so that two Quillfile processes do not choose names in it at once. tryLock() is true
-  // where the file system has no locks.
+  // flock on the folder, so that two Quillfile processes do not choose names in it at once: a courtesy that
+  // spares them doubt, since what settles every race is that no rename replaces. Taking it sweeps away the
+  // temporary files of a run that was stopped. True when it is held, or the file system has no locks.
   bool tryLock();
-  void lock();
   void unlock();
+  bool locked() const { return locked_; }
 
-  // Own changes do not make the listing stale: call after each.
-  void noteOwnChange(const std::string& name, bool exists);
+  // An own change does not make the listing stale: call after each, with the name that has appeared, if any.
+  void noteOwnChange(const std::string& appeared = {});
 
  private:
   void refresh();
   bool taken(const std::string& name);
+  void sweep();
 
   std::string path_;
   Descriptor directory_;
-  std::uint64_t device_ = 0;
   bool locked_ = false;
   bool listed_ = false;
   std::int64_t changed_ = -1;  // the folder's change time when listed, nanoseconds
@@ -50,5 +55,9 @@ class SaveFolder {
   std::unordered_set<std::string> spokenFor_;
   std::unordered_map<std::string, std::int64_t> nextNumber_;  // by base + "/" + extension
 };
+
+// The name of a new temporary file, hidden, and whether a name is one.
+std::string temporaryName();
+bool isTemporaryName(std::string_view name);
 
 }  // namespace quillfile::mailbox

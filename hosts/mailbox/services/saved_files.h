@@ -5,12 +5,17 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
+#include "core/text/text.h"
 #include "hosts/mailbox/services/content.h"
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/services/save_folder.h"
@@ -33,39 +38,79 @@ struct SavedFile {
 
   // The batch's own.
   std::shared_ptr<SaveFolder> folder;
-  std::string temporary;  // name within the folder; empty once it has its final name
-  Descriptor file;        // open until it is committed
+  std::string temporary;  // name within the folder; empty once it has its final name or is gone
+  Descriptor file;        // open until its batch has looked at it for the last time
   bool replaces = false;  // it may take the place of a file that is there: the user or a setting said so
+
+  std::string name() const { return path.substr(path.rfind('/') + 1); }
+};
+
+// What was gathered since the last time it was taken, for one round of flushes.
+struct GatheredFiles {
+  std::vector<std::shared_ptr<SavedFile>> files;
+  std::vector<std::string> removals;   // paths on disk that are to go
+  std::vector<Descriptor> newParents;  // folders in which a folder was made
+
+  bool empty() const { return files.empty() && removals.empty() && newParents.empty(); }
 };
 
 class SavedFiles {
  public:
+  // `settle` commits and releases everything that is waiting; called when another process is using a folder.
+  explicit SavedFiles(std::function<void()> settle) : settle_(std::move(settle)) {}
+
   // Writes `content` to a temporary file beside `path` and gives the file that now answers under `path`. A
   // file that already is at `path` is replaced at commit, unless firstFreePath() gave the name out as free; a
   // read-only one is not: Failure. A waiting file of the same path is abandoned. Throws Failure, and then
   // nothing is left.
   std::shared_ptr<SavedFile> save(const std::string& path, const Content& content);
 
-  // What FileSystem::firstFreePath answers; the name is spoken for from here on. Cuts `base` where name and
-  // number would be longer than the file system allows.
+  // What FileSystem::firstFreePath answers; the name is spoken for from here on. Whatever is on disk under a
+  // name takes it, a folder or a link too. Cuts `base` where name and number would be longer than a name may
+  // be.
   std::string firstFreePath(const std::string& folder, const std::string& base, const std::string& extension);
 
   // The waiting file that answers under `path`; null when there is none.
   std::shared_ptr<SavedFile> waiting(const std::string& path) const;
   // True when `path` names a file, waiting or on disk, that is no directory.
   bool listed(const std::string& path) const;
-  // Deletes the file at `path`. One that is on disk only stops answering, and goes at commit: when another is
-  // saved to its path meanwhile it is replaced in one step. Throws Failure when it is not there or is
+  // Deletes the file at `path`. One that is on disk stops answering at once, and goes at commit: when another
+  // is saved to its path meanwhile it is replaced in one step. Throws Failure when it is not there or is
   // read-only.
   void remove(const std::string& path);
+  // Makes a folder and its missing parents, durable when the batch commits. False when it cannot be made.
+  bool makeFolder(const std::string& path);
+
+  // The event is over: names that firstFreePath() gave out and nobody saved to are free again.
+  void releaseUnusedNames();
+
+  // For Batch. What was gathered; the files go on answering until each is named or abandoned.
+  GatheredFiles take();
+  std::size_t fileCount() const { return gathered_.files.size(); }
+  std::int64_t bytes() const { return bytes_; }
+  bool empty() const { return gathered_.empty(); }
+  // Gives a waiting file its final name, or the next free one when another program took that. Empty, or why
+  // it has none; then nothing is left of it.
+  Text giveName(SavedFile& file);
+  // Takes away what is waiting under that path.
+  void abandon(SavedFile& file);
+  // Carries out a removal that remove() has promised. Empty, or why it failed.
+  Text carryOut(const std::string& removal);
+  // Lets other processes at the folders in which nothing is waiting.
+  void releaseIdleFolders();
 
  private:
-  friend class Batch;
   std::shared_ptr<SaveFolder> folderOf(const std::string& directory);
+  void lock(SaveFolder& folder);
+  bool mayReplace(SaveFolder& folder, const std::string& path, const std::string& name) const;
 
+  std::function<void()> settle_;
   std::map<std::string, std::shared_ptr<SaveFolder>, std::less<>> folders_;
   std::unordered_map<std::string, std::shared_ptr<SavedFile>> waiting_;  // by path
-  std::unordered_map<std::string, bool> removed_;  // by path: on disk, but gone for the caller
+  std::unordered_set<std::string> removed_;  // paths on disk, but gone for the caller
+  std::vector<std::pair<std::shared_ptr<SaveFolder>, std::string>> given_;  // paths given out in this event
+  GatheredFiles gathered_;
+  std::int64_t bytes_ = 0;
 };
 
 }  // namespace quillfile::mailbox

@@ -9,7 +9,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "core/platform/settings_store.h"
 
@@ -20,7 +19,7 @@ namespace quillfile::mailbox {
 //   [Quillfile]
 //   SavePath=/home/u/Documents/Saved Attachments/
 // A value stands as it is after "=", to the end of the line, blanks at its ends dropped. One that has blanks
-// at an end, control characters or quotes at an end stands in double quotes with \\, \", \n, \r, \t, \xHH
+// at an end, control characters or quotes around it stands in double quotes with \\, \", \n, \r, \t, \xHH
 // inside.
 class SettingsFile : public SettingsStore {
  public:
@@ -30,6 +29,7 @@ class SettingsFile : public SettingsStore {
   // Throws Failure when the file cannot be read, is larger than 1 MB or holds a line that is none of the
   // above (the sentence names the line), whichever key is asked for.
   std::optional<Text> read(TextView application, TextView section, TextView key) override;
+  // Throws Failure; the file is then as it was.
   void write(TextView application, TextView section, TextView key, TextView value) override;
   // Takes the key out; nothing happens when it is absent. Throws Failure.
   void erase(TextView section, TextView key);
@@ -37,19 +37,27 @@ class SettingsFile : public SettingsStore {
   const std::string& path() const { return path_; }
 
  private:
-  struct Stamp {  // what a changed file cannot share with its earlier self
+  struct Stamp {  // what a changed file does not share with its earlier self
     std::uint64_t device = 0, inode = 0;
     std::int64_t size = -1, modified = 0, changed = 0;
     bool operator==(const Stamp&) const = default;
   };
+  struct HashText {
+    using is_transparent = void;
+    std::size_t operator()(TextView text) const { return std::hash<TextView>{}(text); }
+  };
+
   Stamp stampNow() const;
   void load();
   void change(TextView section, TextView key, const std::optional<Text>& value);
 
   std::string path_;
-  bool loaded_ = false;
   Stamp stamp_;
-  std::unordered_map<Text, Text> values_;  // by section, a line feed, key; both in lower case
+  bool settled_ =
+      false;  // false while the file is so young that a second change could leave its stamp the same
+  std::unordered_map<Text, Text, HashText, std::equal_to<>>
+      values_;   // by section, a line feed, key, in lower case
+  Text wanted_;  // the key being looked up; kept for its memory
 };
 
 }  // namespace quillfile::mailbox

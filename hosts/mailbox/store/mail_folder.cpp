@@ -1,7 +1,7 @@
 #include "hosts/mailbox/store/mail_folder.h"
 
 #include <fcntl.h>
-#include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +12,7 @@
 #include "hosts/mailbox/services/names.h"
 #include "hosts/mailbox/store/item_id.h"
 #include "hosts/mailbox/store/maildir_name.h"
+#include "hosts/mailbox/store/temporary_name.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -75,15 +76,15 @@ std::shared_ptr<MessageFile> MailFolder::open(std::string_view unique) const {
   neverStill("open the message", itemId(unique));
 }
 
-bool MailFolder::setFlag(std::string_view unique, char flag, bool set) const {
+bool MailFolder::changeFlags(std::string_view unique, std::string_view set, std::string_view clear) const {
   for (int i = 0; i < renameTries; ++i) {
     const auto location = find(unique);
     if (!location) return false;
     const std::string_view flags = parseMaildirName(location->fileName).flags;
-    if (hasFlag(flags, flag) == set && (!location->isNew || !set)) return true;
-    const Location marked{.fileName = maildirFileName(unique, withFlag(flags, flag, set))};
+    const std::string wanted = changedFlags(flags, set, clear);
+    const Location marked{.fileName = maildirFileName(unique, wanted)};
     const std::string from = filePath(*location);
-    if (from == filePath(marked)) return true;
+    if (from == filePath(marked) || (location->isNew && wanted.empty())) return true;
     const int error = renameWithoutReplacing({AT_FDCWD, from}, {AT_FDCWD, filePath(marked)});
     if (error == 0) return noteLocation(unique, marked), true;
     if (error != ENOENT) throw fromErrno(error, "mark the message", from);
@@ -91,23 +92,22 @@ bool MailFolder::setFlag(std::string_view unique, char flag, bool set) const {
   neverStill("mark the message", itemId(unique));
 }
 
-bool MailFolder::moveTo(const MailFolder& target, std::string_view unique) const {
+std::optional<std::string> MailFolder::moveTo(const MailFolder& target, std::string_view unique) const {
   std::string newUnique{unique};
   for (int i = 0; i < renameTries; ++i) {
     const auto location = find(unique);
-    if (!location) return false;
+    if (!location) return std::nullopt;
     const std::string from = filePath(*location);
     const std::string_view flags = parseMaildirName(location->fileName).flags;
-    const std::string to =
-        target.filePath({.fileName = location->isNew ? newUnique : maildirFileName(newUnique, flags),
-                         .isNew = location->isNew});
-    const int error = renameWithoutReplacing({AT_FDCWD, from}, {AT_FDCWD, to});
-    if (error == 0) return true;
+    const std::string name = location->isNew ? newUnique : maildirFileName(newUnique, flags);
+    const Location there{.fileName = name, .isNew = location->isNew};
+    const int error = renameWithoutReplacing({AT_FDCWD, from}, {AT_FDCWD, target.filePath(there)});
+    if (error == 0) return target.noteLocation(newUnique, there), newUnique;
     if (error == EXDEV) {
       const auto message = MessageFile::open(from);
       if (!message) continue;
-      target.create([message](const Sink& sink) { sink(message->bytes()); }, flags);
-      if (::unlink(from.c_str()) == 0) return true;
+      newUnique = target.create([message](const Sink& sink) { sink(message->bytes()); }, flags);
+      if (::unlink(from.c_str()) == 0) return newUnique;
       throw fromErrno(errno, "delete the message that was copied", from);
     }
     if (error == EEXIST) {
@@ -132,9 +132,10 @@ bool MailFolder::erase(std::string_view unique) const {
 
 std::string MailFolder::create(const Content& content, std::string_view flags) const {
   const std::string unique = freshUniqueName();
-  const std::string temporary = directory_ + "/tmp/" + unique;
+  const std::string temporary = directory_ + "/tmp/" + temporaryMessageName(unique);
   const Descriptor file{::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)};
   if (!file) throw fromErrno(errno, "create the message", temporary);
+  ::flock(file.get(), LOCK_EX | LOCK_NB);
   try {
     writeContent(file.get(), content, temporary);
     if (::fsync(file.get()) != 0) throw fromErrno(errno, "flush the message", temporary);
@@ -142,6 +143,7 @@ std::string MailFolder::create(const Content& content, std::string_view flags) c
     if (const int error = renameWithoutReplacing({AT_FDCWD, temporary}, {AT_FDCWD, path}); error != 0)
       throw fromErrno(error, "create the message", path);
     flushDirectory(directory_ + "/cur");
+    noteLocation(unique, {.fileName = maildirFileName(unique, flags)});
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;

@@ -56,11 +56,15 @@ class MailFolder {
   // Opens it wherever it is now; null when it is gone. Throws Failure.
   std::shared_ptr<MessageFile> open(std::string_view unique) const;
 
-  // Sets or clears one flag (a message in new/ moves to cur/), keeping all that other programs set. False
-  // when the message is gone. Throws Failure.
-  bool setFlag(std::string_view unique, char flag, bool set) const;
-  // Moves the message, its unique name and its flags kept. False when it is gone. Throws Failure.
-  bool moveTo(const MailFolder& target, std::string_view unique) const;
+  // Sets and clears flags (letters; a message in new/ moves to cur/ when one is set), keeping all that other
+  // programs set. False when the message is gone. Throws Failure.
+  bool changeFlags(std::string_view unique, std::string_view set, std::string_view clear) const;
+  bool setFlag(std::string_view unique, char flag, bool set) const {
+    return changeFlags(unique, {&flag, set ? 1u : 0u}, {&flag, set ? 0u : 1u});
+  }
+  // Moves the message, its flags kept, and gives its unique name there: the same, unless that is taken. None
+  // when it is gone. Throws Failure.
+  std::optional<std::string> moveTo(const MailFolder& target, std::string_view unique) const;
   // Deletes the message for good. False when it was gone already. Throws Failure.
   bool erase(std::string_view unique) const;
   // Writes a new message into cur/ (written and flushed in tmp/ first) and gives its unique name. `flags` as

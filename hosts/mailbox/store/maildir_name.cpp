@@ -23,7 +23,7 @@ std::string hostName() {
     } else if (*at == ':') {
       clean += "\\072";
     } else {
-      clean += *at > ' ' && *at < 127 ? *at : '_';
+      clean += *at > ' ' && *at < 127 && *at != ',' ? *at : '_';
     }
   }
   return clean;
@@ -45,18 +45,17 @@ MaildirName parseMaildirName(std::string_view fileName) {
 }
 
 std::string maildirFileName(std::string_view unique, std::string_view flags) {
-  std::string sorted{flags};
-  std::sort(sorted.begin(), sorted.end());
-  sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-  return std::string{unique}.append(":2,").append(sorted);
+  return std::string{unique}.append(":2,").append(changedFlags(flags, {}, {}));
 }
 
 bool hasFlag(std::string_view flags, char flag) { return flags.find(flag) != std::string_view::npos; }
 
-std::string withFlag(std::string_view flags, char flag, bool set) {
+std::string changedFlags(std::string_view flags, std::string_view set, std::string_view clear) {
   std::string result{flags};
-  std::erase(result, flag);
-  if (set) result.insert(std::lower_bound(result.begin(), result.end(), flag), flag);
+  result += set;
+  std::erase_if(result, [&](char flag) { return hasFlag(clear, flag); });
+  std::sort(result.begin(), result.end());
+  result.erase(std::unique(result.begin(), result.end()), result.end());
   return result;
 }
 

@@ -21,7 +21,8 @@ MaildirName parseMaildirName(std::string_view fileName);
 std::string maildirFileName(std::string_view unique, std::string_view flags);
 
 bool hasFlag(std::string_view flags, char flag);
-std::string withFlag(std::string_view flags, char flag, bool set);
+// `flags` with those of `set` and without those of `clear`, in ASCII order.
+std::string changedFlags(std::string_view flags, std::string_view set, std::string_view clear);
 
 // Seconds since 1970 that a unique name begins with; 0 when it begins with no number.
 std::int64_t deliveryTime(std::string_view unique);
