@@ -4,6 +4,7 @@
 #include "hosts/mailbox/formats/mapi/code_page.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/mime/header.h"
+#include "hosts/mailbox/mime/header_value.h"
 
 namespace quillfile::formats {
 namespace {
