@@ -131,6 +131,7 @@ FileTimes::Handle FakeFiles::open(TextView call, TextView path, std::int32_t err
 }
 
 FileTimes::Handle FakeFiles::openToChange(TextView path) {
+  if (opensAsZero) return lastError_ = denied, 0;
   const auto* file = find(path);
   return open(u"FileTimes.openToChange", path,
               !file                         ? notFound

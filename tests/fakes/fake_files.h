@@ -31,6 +31,7 @@ class FakeFiles : public FileSystem, public LinkedFiles, public FileTimes {
   void refuseFolder(TextView path) { refused_.insert(key(path)); }  // this folder cannot be created
   bool makeFolder(TextView path);                                   // with its parents
   void write(TextView path, const std::string& content);            // as a program would: throws Failure
+  bool opensAsZero = false;  // openToChange() answers with a handle of 0, and access denied
   std::size_t openHandles() const { return open_.size(); }
 
   bool fileListed(TextView path) override;

@@ -67,6 +67,12 @@ class FakePlatform {
     return paths.drives ? u"C:\\Program Files\\Quillfile" : u"/usr/share/quillfile";
   }
 
+  // A path of Windows' as the rules have it: "C:\Saved\a.pdf" is "/Saved/a.pdf" where there are no drives.
+  Text path(TextView windowsPath) const {
+    if (paths.drives) return Text{windowsPath};
+    return replaceAll(startsWith(windowsPath, u"C:") ? windowsPath.substr(2) : windowsPath, u"\\", u"/");
+  }
+
   const std::shared_ptr<FakeFolder>& folder(DefaultFolder which) {
     return application->session->folders.at(which);
   }
