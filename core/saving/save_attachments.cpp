@@ -9,9 +9,9 @@ namespace {
 constexpr TextView name = u"SaveAttachments";
 
 void traceAttachment(const Trace& trace, std::int32_t index, Attachment& attachment) {
-  const auto type = attachment.type();
   trace(name, u"Attachment Index:{}", index);
   trace(name, u"Attachment TypeName: {}", [&] { return attachment.typeName(); });
+  const auto type = attachment.type();
   trace(name, u"Attachment Type: {}", type);
   trace(name, u"Attachment DisplayName: {}", [&] { return attachment.displayName(); });
   if (type != static_cast<std::int32_t>(AttachmentType::ole))

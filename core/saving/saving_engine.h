@@ -22,7 +22,7 @@ struct SaveRequest {
   bool addLink = false;
   bool remove = false;
   ReadWrite readWrite{};
-  Text savePath;  // ends with the separator
+  Text savePath = {};  // ends with the separator
   bool isSent = false;
 };
 
