@@ -53,7 +53,8 @@ void checkName(const std::string& name, const std::string& path) {
 std::shared_ptr<SaveFolder> SavedFiles::folderOf(const std::string& directory) {
   const auto known = folders_.find(directory);
   if (known != folders_.end()) {
-    if (known->second->stillThere()) return known->second;
+    const bool inUse = !known->second->idle();
+    if (inUse || known->second->stillThere()) return known->second;
     folders_.erase(known);
   }
   if (folders_.size() >= mostFolders)

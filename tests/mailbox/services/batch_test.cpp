@@ -266,6 +266,7 @@ TEST_F(BatchTest, ANameThatHasBecomeFreeIsUsedAgain) {
   for (const char* name : {"a.pdf", "a-1.pdf", "a-2.pdf"}) writeFile(saved + "/" + name, "");
   Batch batch{reports};
   EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-3.pdf");
+  ::usleep(20'000);  // a folder's change time may be no finer than the system's clock tick
   std::filesystem::remove(saved + "/a-1.pdf");
   EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-1.pdf");
   EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-4.pdf");
