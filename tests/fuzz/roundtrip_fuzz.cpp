@@ -47,7 +47,7 @@ MessageContent message(Input& input, int depth) {
   result.rtfBody = input.bytes();
   result.unread = input.number() % 2 == 0;
   result.draft = input.number() % 2 == 0;
-  result.sent = Time(std::chrono::seconds(input.number() * 10'000'019));
+  result.sent = Time(std::chrono::seconds(std::int64_t{10'000'019} * input.number()));
   for (int count = input.number() % 4; count > 0; --count) {
     result.recipients.push_back(
         {static_cast<RecipientKind>(1 + input.number() % 3), {u"n" + input.text(), u"c@d" + input.text()}});

@@ -92,7 +92,7 @@ Text messageClassOf(TextView itemType, std::string_view method = {});
 
 // What a reader gives: the message, and in a sentence each what could not be read.
 struct ReadMessage {
-  MessageContent content;
+  MessageContent content = {};
   std::vector<Text> doubts = {};
 };
 

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/mime/header.h"
 #include "hosts/mailbox/mime/header_value.h"
 
@@ -29,20 +28,8 @@ std::string dateField(Time time) {
          two(clock.minutes().count()) + ":" + two(clock.seconds().count()) + " +0000";
 }
 
-// A display name as a quoted string when ASCII holds it, else as encoded words; then the address.
 std::string mailboxField(const Mailbox& mailbox, std::string_view lineEnd) {
-  const std::string address = plainField(toUtf8(mailbox.address)), name = plainField(toUtf8(mailbox.name));
-  if (name.empty()) return address.empty() ? "" : "<" + address + ">";
-  bool ascii = true;
-  std::string quoted = "\"";
-  for (const char byte : name) {
-    ascii = ascii && static_cast<unsigned char>(byte) < 0x80;
-    if (byte == '"' || byte == '\\') quoted += '\\';
-    quoted += byte;
-  }
-  const std::string shown = ascii ? quoted + '"' : mime::encodedText(fromUtf8(name), lineEnd);
-  // An address must follow; a group without members (RFC 6854) says a name alone.
-  return address.empty() ? shown + ":;" : shown + " <" + address + ">";
+  return mailbox == Mailbox{} ? "" : mime::encodedAddress({mailbox.name, mailbox.address}, lineEnd);
 }
 
 std::string mailboxList(const MessageContent& message, RecipientKind kind, std::string_view lineEnd) {
@@ -110,7 +97,7 @@ std::string headerBlock(const MessageContent& message, std::string_view lineEnd)
       Made{"To", mailboxList(message, RecipientKind::to, lineEnd)},
       Made{"Cc", mailboxList(message, RecipientKind::cc, lineEnd)},
       Made{"Bcc", mailboxList(message, RecipientKind::bcc, lineEnd)},
-      Made{"Subject", mime::encodedText(fromUtf8(plainField(toUtf8(message.subject))), lineEnd)},
+      Made{"Subject", mime::encodedText(message.subject, lineEnd)},
       Made{"Date", date ? dateField(*date) : ""},
       Made{"Message-ID", plainField(toUtf8(message.messageId))},
       Made{"In-Reply-To", plainField(toUtf8(message.inReplyTo))},
