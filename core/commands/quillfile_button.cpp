@@ -56,7 +56,7 @@ void Commands::QuillfileButton() {
 Text Commands::manualSavePath(const RunSettings& run) {
   if (!run.imitateOutlookFolders) return run.savePath;
   const auto explorer = held(ports_.module.outlookApp).activeExplorer();
-  const Text path = pathOf(run, held(explorer).currentFolder());
+  Text path = pathOf(run, held(explorer).currentFolder());
   ports_.utilities.createFolderPath(path);
   return path;
 }

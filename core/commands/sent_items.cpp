@@ -36,7 +36,7 @@ Text Commands::sentSavePath(const RunSettings& run) {
   const auto nameSpace = held(ports_.module.outlookApp).nameSpace();
   const auto folder = held(nameSpace).defaultFolder(DefaultFolder::sent_items);
   const Text below = held(ports_.module.engine).folderPath(folder);
-  const Text path = fill(u"{}{}{}", run.savePath, below, ports_.paths.separator);
+  Text path = fill(u"{}{}{}", run.savePath, below, ports_.paths.separator);
   ports_.utilities.createFolderPath(path);
   return path;
 }

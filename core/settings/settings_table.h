@@ -17,7 +17,7 @@ enum class SettingKind { flag, number, text };
 struct Setting {
   TextView key;
   SettingKind kind = SettingKind::text;
-  TextView byDefault = u"";               // what a reader gets when the key is absent
+  TextView byDefault = {};                // what a reader gets when the key is absent
   std::optional<TextView> firstRun = {};  // what the first start writes; none: it leaves the key absent
   TextView meaning;
   TextView PathRules::*systemDefault = nullptr;  // the default, where each system has its own
