@@ -11,6 +11,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -71,25 +72,37 @@ class MailClient final : public Application, public std::enable_shared_from_this
 
   // --- For the objects of this room.
   const ClientSetup& setup() const { return setup_; }
-  void changed(const std::shared_ptr<MailboxItem>& item);  // it has something to hand over at the event's end
+  // This event reads or changes the item.
+  void underWay(const std::shared_ptr<MailboxItem>& item);
+  // The module has turned to `next`: what it worked on before is complete, and goes to the batch.
+  void turnTo(const MailboxItem& next);
   void displayed(const std::shared_ptr<MailboxItem>& item);  // to be told at the event's end
   const std::vector<std::shared_ptr<MailboxItem>>& newItems() const {
     return newItems_;
   }  // saved in this event
   std::string provisionalId();
+  // Makes sure that no change of that folder is still on its way to disk.
+  void settle(const MailFolder& folder);
 
  private:
   explicit MailClient(const ClientSetup& setup);
+  void handOverAll(const MailboxItem* except);
   void handOver(MailboxItem& item);
+  bool changesDisk(MailboxItem& item) const;
   void storeDraft(MailboxItem& item);
+  void commit();
+  template <class Work>
+  void telling(MailboxItem& item, Work&& work);
 
   ClientSetup setup_;
   MailboxMailHelper helper_;
   std::shared_ptr<MailboxExplorer> explorer_;
   std::map<std::string, std::weak_ptr<MailboxItem>> items_;  // by id
-  std::vector<std::shared_ptr<MailboxItem>> changed_;
+  std::vector<std::shared_ptr<MailboxItem>> underWay_;
   std::vector<std::shared_ptr<MailboxItem>> newItems_;
   std::vector<std::shared_ptr<MailboxItem>> displayed_;
+  std::set<const MailFolder*> onTheWay_;  // folders with changes in the batch
+  std::size_t alive_ = 0;                 // items that were held when last counted
   std::int32_t provisional_ = 0;
 };
 

@@ -13,7 +13,9 @@ namespace quillfile::mailbox {
 
 using Items = std::vector<std::shared_ptr<MailboxItem>>;
 
-// Items are opened only when they are asked for something, so a selection of a whole folder is cheap.
+// Items are opened only when they are asked for something, so a selection of a whole folder is cheap. Whoever
+// walks over a selection is done with an item when the next one is asked for: that keeps few of them in
+// memory.
 class MailboxSelection final : public Selection {
  public:
   explicit MailboxSelection(Items items) : items_(std::move(items)) {}

@@ -27,7 +27,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   // A new, unsent item: its first bytes, attachments that it carries from elsewhere, and what its original
   // remembers of the parts that were taken out of it.
   MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<const Message> message,
-              AttachmentSources carried, std::vector<RemovedPart> removedBefore);
+              std::vector<AddedAttachment> carried, std::vector<RemovedPart> removedBefore);
 
   Text typeName() override;
   Text entryId() override;
@@ -67,7 +67,9 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   const std::string& unique() const { return unique_; }
   bool isNew() const { return folder_ == nullptr; }
   std::shared_ptr<const Message> message();  // opens it; throws Failure when it cannot be read or is gone
-  const AttachmentSources& sources();        // as they are now: removed ones left out, added ones last
+  const std::vector<RemovedPart>& removedBefore() { return message(), removedBefore_; }
+  const AttachmentSources& sources();  // as they are now: removed ones left out, added ones last
+  MailClient& clientOf() const { return *client(); }
 
  private:
   friend class MailClient;
@@ -76,7 +78,15 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
 
   std::shared_ptr<MailClient> client() const;  // throws Failure when it has gone
   ItemBodies& bodies();
-  void touch();  // the item has changes now; makes sure that what went to the batch before is on disk
+  AttachmentSources& ownSources();
+  // Something is about to change: what went to the batch before must be on disk, and is read anew.
+  void touch();
+  void readAnew();
+  void forget();  // whatever was read and changed
+  // Why the attachment must stay in the message, a sentence; empty when it may go. `file` is what it was
+  // saved to.
+  Text whyItStays(const AttachmentSource& source, const SavedFile* file);
+  void decline(const Text& reason);
 
   std::weak_ptr<MailClient> client_;
   std::shared_ptr<MailFolder> folder_;
@@ -88,7 +98,9 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   std::optional<AttachmentSources> sources_;
   std::vector<RemovedPart> removedBefore_;
   ItemChanges changes_;
-  bool handedOver_ = false;  // its changes are the batch's; it is read anew once they are on disk
+  bool underWay_ = false;     // the client knows that this event has to do with it
+  bool handedOver_ = false;   // its changes are the batch's; it is read anew when it is to change again
+  std::string uniqueBefore_;  // its name before they were handed over
 };
 
 }  // namespace quillfile::mailbox

@@ -22,6 +22,8 @@ class ItemBodies {
   Text text(BodyKind kind);
   void set(BodyKind kind, TextView text);
   bool changed() const;
+  // Why no body could be changed without harm; empty when every one can.
+  mime::Doubt doubt();
 
   // Takes the blank lines out that notes have left behind in the plain text since `this` was read.
   void dropBlankLinesOfNotes();
@@ -37,6 +39,7 @@ class ItemBodies {
   };
   mime::PartIndex part(BodyKind kind) const;
   Body& body(BodyKind kind);
+  void apply(BodyKind kind, const Body& body, mime::Edit& edit, std::vector<Splice>& splices);
 
   std::shared_ptr<const Message> message_;
   std::map<BodyKind, Body> bodies_;

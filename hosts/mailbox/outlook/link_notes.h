@@ -21,5 +21,7 @@ Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd);
 // The plain text after its HTML went from `before` to `after`: a note that came into the HTML comes into the
 // text, one that went goes.
 Text followHtml(TextView plain, TextView before, TextView after);
+// The same, where the other body is known by its text.
+Text followText(TextView plain, TextView before, TextView after);
 
 }  // namespace quillfile::mailbox

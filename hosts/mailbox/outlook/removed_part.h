@@ -30,12 +30,19 @@ std::string fieldOf(const RemovedPart& part, std::string_view lineEnd);
 // passed over.
 std::vector<RemovedPart> removedParts(const mime::Header& header);
 
+// Paths count children as they once were, before any of the parts in `gone` was removed.
 // The multipart that `path` ("2.1") names; mime::noPart when there is none now.
-mime::PartIndex multipartAt(const mime::PartTree& tree, std::string_view path);
-std::string pathOf(const mime::PartTree& tree, mime::PartIndex part);
-
-// Where the children that are left of a multipart stood before any was removed: `places[i]` for the i-th
-// child now. `gone` are the places of the removed ones.
-std::vector<std::uint32_t> oldPlaces(std::size_t children, std::vector<std::uint32_t> gone);
+mime::PartIndex multipartAt(const mime::PartTree& tree, std::string_view path,
+                            const std::vector<RemovedPart>& gone);
+// Where `part` stands: its multipart's path, and its place there. A part that is the whole message stands in
+// the message itself, at 1: behind the text that takes its place.
+struct Place {
+  std::string parent;
+  std::uint32_t at = 0;
+};
+Place placeOf(const mime::PartTree& tree, mime::PartIndex part, const std::vector<RemovedPart>& gone);
+// Where the children that are left of the multipart at `path` stood, in their order now.
+std::vector<std::uint32_t> oldPlaces(std::size_t children, std::string_view path,
+                                     const std::vector<RemovedPart>& gone);
 
 }  // namespace quillfile::mailbox

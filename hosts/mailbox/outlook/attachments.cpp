@@ -1,0 +1,78 @@
+#include "hosts/mailbox/outlook/attachments.h"
+
+#include <algorithm>
+
+#include "hosts/mailbox/outlook/client.h"
+#include "hosts/mailbox/outlook/item.h"
+#include "hosts/mailbox/services/failure.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+// Where the bytes of the file that answers under `path` are.
+std::string bytesAt(Batch& batch, const std::string& path) {
+  const auto waiting = batch.files().waiting(path);
+  return waiting && !waiting->temporary.empty() ? waiting->folder->path() + "/" + waiting->temporary : path;
+}
+
+}  // namespace
+
+void MailboxAttachment::saveAsFile(TextView path) {
+  const auto client = item_->client();
+  auto& changes = item_->changes_;
+  changes.saved[source_.get()] = client->setup().batch.files().save(toUtf8(path), source_->content());
+  client->underWay(item_);
+}
+
+Removal MailboxAttachment::remove() {
+  auto& item = *item_;
+  auto& sources = item.ownSources();
+  const auto place = std::find(sources.begin(), sources.end(), source_);
+  if (place == sources.end()) throw failure("The attachment is no longer part of the item");
+  const auto added = std::find_if(item.changes_.added.begin(), item.changes_.added.end(),
+                                  [&](const AddedAttachment& a) { return a.source == source_; });
+  if (added != item.changes_.added.end()) {
+    item.changes_.added.erase(added);
+  } else {
+    const auto saved = item.changes_.saved.find(source_.get());
+    const auto file = saved == item.changes_.saved.end() ? nullptr : saved->second;
+    if (auto reason = item.whyItStays(*source_, file.get()); !reason.empty()) {
+      item.decline(reason);
+      return Removal::declined;
+    }
+    item.touch();
+    item.changes_.taken.push_back({source_, file});
+  }
+  sources.erase(std::find(sources.begin(), sources.end(), source_));
+  return Removal::removed;
+}
+
+std::int32_t MailboxAttachments::count() { return static_cast<std::int32_t>(item_->sources().size()); }
+
+Ref<Attachment> MailboxAttachments::item(std::int32_t index) {
+  const auto& sources = item_->sources();
+  if (index < 1 || index > static_cast<std::int32_t>(sources.size()))
+    throw failure("There is no attachment number " + std::to_string(index));
+  return std::make_shared<MailboxAttachment>(item_, sources[static_cast<std::size_t>(index) - 1]);
+}
+
+void MailboxAttachments::add(const NewAttachment& attachment) {
+  auto& item = *item_;
+  const auto client = item.client();
+  auto& sources = item.ownSources();
+  const auto path = toUtf8(attachment.source);
+  AddedAttachment added{
+      fileSource(attachment.source, bytesAt(client->setup().batch, path), attachment.displayName), {}};
+  item.touch();
+  const auto& gone = item.removedBefore_;
+  const auto known = std::find_if(gone.begin(), gone.end(), [&](const RemovedPart& part) {
+    const bool taken = std::any_of(item.changes_.added.begin(), item.changes_.added.end(),
+                                   [&](const AddedAttachment& other) { return other.was == part; });
+    return part.path == path && !taken;
+  });
+  if (known != gone.end()) added.was = *known;
+  sources.push_back(added.source);
+  item.changes_.added.push_back(std::move(added));
+}
+
+}  // namespace quillfile::mailbox

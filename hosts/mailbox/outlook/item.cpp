@@ -1,0 +1,186 @@
+#include "hosts/mailbox/outlook/item.h"
+
+#include <algorithm>
+
+#include "hosts/mailbox/outlook/attachments.h"
+#include "hosts/mailbox/outlook/client.h"
+#include "hosts/mailbox/outlook/item_type.h"
+#include "hosts/mailbox/outlook/received_time.h"
+#include "hosts/mailbox/outlook/response.h"
+#include "hosts/mailbox/services/failure.h"
+#include "hosts/mailbox/store/maildir_name.h"
+
+namespace quillfile::mailbox {
+
+MailboxItem::MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<MailFolder> folder,
+                         std::string unique)
+    : client_(std::move(client)), folder_(std::move(folder)), unique_(std::move(unique)) {}
+
+MailboxItem::MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<const Message> message,
+                         std::vector<AddedAttachment> carried, std::vector<RemovedPart> removedBefore)
+    : client_(std::move(client)), message_(std::move(message)), removedBefore_(std::move(removedBefore)) {
+  changes_.added = std::move(carried);
+}
+
+std::shared_ptr<MailClient> MailboxItem::client() const {
+  if (auto client = client_.lock()) return client;
+  throw failure("The mail client has been closed");
+}
+
+std::shared_ptr<const Message> MailboxItem::message() {
+  if (handedOver_) readAnew();
+  if (message_) return message_;
+  auto file = folder_->open(unique_);
+  if (!file && !uniqueBefore_.empty()) file = folder_->open(unique_ = uniqueBefore_);
+  if (!file) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
+  message_ = std::make_shared<const Message>(std::move(file));
+  removedBefore_ = removedParts(message_->header());
+  client()->underWay(shared_from_this());
+  return message_;
+}
+
+ItemBodies& MailboxItem::bodies() {
+  if (!bodies_) bodies_.emplace(message());
+  return *bodies_;
+}
+
+AttachmentSources& MailboxItem::ownSources() {
+  if (!sources_) {
+    sources_ = attachmentsOf(message());
+    for (const auto& added : changes_.added) sources_->push_back(added.source);
+  }
+  return *sources_;
+}
+
+const AttachmentSources& MailboxItem::sources() { return ownSources(); }
+
+Text MailboxItem::typeName() { return itemType(*message()); }
+
+Text MailboxItem::entryId() { return fromUtf8(isNew() ? provisionalId_ : folder_->itemId(unique_)); }
+
+Text MailboxItem::subject() { return message()->header().text("Subject"); }
+
+LocalTime MailboxItem::receivedTime() { return localTime(receivedSeconds(*message())); }
+
+Text MailboxItem::receivedWithOffset() { return isoTime(receivedSeconds(*message())); }
+
+mime::Address MailboxItem::sender() {
+  const auto header = message()->header();
+  auto senders = mime::parseAddresses(header.value("From"), 1);
+  if (senders.empty()) senders = mime::parseAddresses(header.value("Sender"), 1);
+  if (senders.empty()) return {};
+  if (senders.front().name.empty()) senders.front().name = senders.front().address;
+  return senders.front();
+}
+
+bool MailboxItem::unRead() {
+  if (changes_.unRead) return *changes_.unRead;
+  if (isNew()) return false;
+  const auto location = folder_->find(unique_);
+  if (!location) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
+  return location->isNew || !hasFlag(parseMaildirName(location->fileName).flags, 'S');
+}
+
+void MailboxItem::setUnRead(bool unRead) {
+  if (isNew() || unRead == this->unRead()) return;
+  touch();
+  changes_.unRead = unRead;
+}
+
+Ref<Attachments> MailboxItem::attachments() {
+  ownSources();
+  return std::make_shared<MailboxAttachments>(shared_from_this());
+}
+
+Text MailboxItem::bodyFormat() { return Text{bodies().format()}; }
+
+std::int64_t MailboxItem::size() { return static_cast<std::int64_t>(message()->bytes().size()); }
+
+Text MailboxItem::body(BodyKind kind) { return bodies().text(kind); }
+
+void MailboxItem::setBody(BodyKind kind, TextView text) {
+  touch();
+  bodies().set(kind, text);
+}
+
+void MailboxItem::save() {
+  bool cancel = false;
+  listeners_.deliver([&](ItemEvents& listener) { listener.onWrite(cancel); });
+  if (!cancel) saveQuietly();
+}
+
+void MailboxItem::saveQuietly() {
+  touch();
+  changes_.save = true;
+  if (isNew() && provisionalId_.empty()) provisionalId_ = client()->provisionalId();
+}
+
+void MailboxItem::remove() {
+  touch();
+  changes_.remove = true;
+}
+
+void MailboxItem::display() {
+  if (isNew()) saveQuietly();
+  client()->displayed(shared_from_this());
+}
+
+Ref<Item> MailboxItem::respond(Response response) { return makeResponse(*this, response, *client()); }
+
+std::shared_ptr<MailboxItem> MailboxItem::userResponds(Response response) {
+  bool cancel = false;
+  listeners_.deliver([&](ItemEvents& listener) { listener.onRespond(response, cancel); });
+  if (cancel) return nullptr;
+  auto made = makeResponse(*this, response, *client());
+  made->display();
+  return made;
+}
+
+bool MailboxItem::userCloses() {
+  bool cancel = false;
+  listeners_.deliver([&](ItemEvents& listener) { listener.onClose(cancel); });
+  return !cancel;
+}
+
+void MailboxItem::finishRestore() { bodies().dropBlankLinesOfNotes(); }
+
+void MailboxItem::touch() {
+  if (handedOver_) readAnew();
+  client()->underWay(shared_from_this());
+}
+
+void MailboxItem::readAnew() {
+  handedOver_ = false;
+  client()->settle(*folder_);
+  forget();
+}
+
+void MailboxItem::forget() {
+  message_.reset();
+  bodies_.reset();
+  sources_.reset();
+  changes_ = {};
+}
+
+Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* file) {
+  const bool ownIcon = source.displayName() == u"Paperclip retained by Quillfile";
+  if (file == nullptr && !ownIcon) return u"it has not been saved";
+  if (file != nullptr && file->state == SavedFile::State::abandoned)
+    return u"the file it was saved to is gone";
+  if (auto reason = message()->whyNothingMayGo(); !reason.empty()) return reason;
+  if (const auto& open = message()->file(); open && !open->lock())
+    return u"another program is working on the message";
+  if (const auto doubt = bodies().doubt(); !doubt.empty())
+    return fill(u"the message's text cannot be relied upon: {}", doubt);
+  if (const auto doubt = source.doubt(); !doubt.empty())
+    return fill(u"the attachment \"{}\" cannot be relied upon: {}", source.displayName(), doubt);
+  return {};
+}
+
+void MailboxItem::decline(const Text& reason) {
+  if (changes_.declineTold) return;
+  changes_.declineTold = true;
+  client()->setup().reports.onRemovalDeclined(*this, reason);
+}
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,155 @@
+#include "hosts/mailbox/outlook/link_notes.h"
+
+#include <map>
+
+namespace quillfile::mailbox {
+namespace {
+
+constexpr TextView phrase = u"Attachment saved to";
+constexpr TextView marker = u"file:///";
+constexpr TextView lineEnd = u"\r\n";
+
+// Where a note's text, "Attachment saved to <link>", stands in a plain text.
+struct Note {
+  std::size_t begin, end;
+  TextView link;
+};
+
+// The next note at or after `from`; its end is npos where there is none.
+Note nextNote(TextView text, std::size_t from) {
+  constexpr TextView opening = u"Attachment saved to <file:///";
+  const auto begin = text.find(opening, from);
+  if (begin == TextView::npos) return {begin, begin, {}};
+  const auto close = text.find(u'>', begin);
+  if (close == TextView::npos) return {close, close, {}};
+  const auto link = begin + opening.size() - marker.size();
+  return {begin, close + 1, text.substr(link, close - link)};
+}
+
+using Count = std::map<TextView, std::size_t>;
+
+Count counted(const std::vector<Text>& links) {
+  Count count;
+  for (const auto& link : links) ++count[link];
+  return count;
+}
+
+// The links of `of` that `without` does not have, each as often as it is missing there.
+std::vector<Text> missing(const std::vector<Text>& of, const std::vector<Text>& without) {
+  auto count = counted(without);
+  std::vector<Text> result;
+  for (const auto& link : of) {
+    auto& left = count[link];
+    if (left > 0) {
+      --left;
+    } else {
+      result.push_back(link);
+    }
+  }
+  return result;
+}
+
+// Whether the last note of an HTML text stands at its end, with nothing but other notes and closing tags
+// behind it.
+bool notesAtEnd(TextView html) {
+  const auto last = html.rfind(phrase);
+  if (last == TextView::npos) return true;
+  auto rest = html.substr(last);
+  const auto end = rest.find(u"</p>");
+  if (end == TextView::npos) return false;
+  rest.remove_prefix(end);
+  bool inTag = false;
+  for (const char16_t unit : rest) {
+    if (unit == u'<') {
+      inTag = true;
+    } else if (unit == u'>') {
+      inTag = false;
+    } else if (!inTag && unit > u' ') {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+std::vector<Text> linksInHtml(TextView html) {
+  std::vector<Text> links;
+  for (auto at = html.find(phrase); at != TextView::npos; at = html.find(phrase, at)) {
+    at += phrase.size();
+    const auto next = html.find(phrase, at);
+    const auto begin = html.find(marker, at);
+    if (begin == TextView::npos) break;
+    if (begin > next) continue;
+    const auto end = html.find_first_of(u"\"<>", begin);
+    if (end == TextView::npos) break;
+    links.emplace_back(html.substr(begin, end - begin));
+  }
+  return links;
+}
+
+std::vector<Text> linksInPlainText(TextView text) {
+  std::vector<Text> links;
+  for (auto note = nextNote(text, 0); note.end != TextView::npos; note = nextNote(text, note.end))
+    links.emplace_back(note.link);
+  return links;
+}
+
+// Notes that stand together, with nothing but line ends between and around them, are one group: each note of
+// it came with two line ends, wherever the module put them, so the group leaves what there is beyond these.
+Text withoutNotes(TextView text, const std::vector<Text>& links) {
+  auto wanted = counted(links);
+  Text result;
+  std::size_t kept = 0;      // everything before is in the result
+  std::size_t lineEnds = 0;  // of the group so far
+  std::size_t notes = 0;
+  const auto isLineEnd = [&](std::size_t at) { return text.substr(at, 2) == lineEnd; };
+  const auto closeGroup = [&] {
+    for (std::size_t i = 2 * notes; i < lineEnds; ++i) result += lineEnd;
+    lineEnds = notes = 0;
+  };
+  for (auto note = nextNote(text, 0); note.end != TextView::npos; note = nextNote(text, note.end)) {
+    const auto found = wanted.find(note.link);
+    if (found == wanted.end() || found->second == 0) continue;
+    --found->second;
+    std::size_t begin = note.begin;
+    std::size_t before = 0;
+    while (begin >= kept + 2 && isLineEnd(begin - 2)) begin -= 2, ++before;
+    if (begin != kept || notes == 0) {
+      closeGroup();
+      result += text.substr(kept, begin - kept);
+    }
+    lineEnds += before;
+    ++notes;
+    kept = note.end;
+    while (isLineEnd(kept)) kept += 2, ++lineEnds;
+  }
+  closeGroup();
+  return result += text.substr(kept);
+}
+
+Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd) {
+  Text result{text};
+  Text front;
+  for (const auto& link : links) {
+    const auto note = fill(u"Attachment saved to <{}>", link);
+    if (atEnd) {
+      result.append(lineEnd).append(lineEnd).append(note);
+    } else {
+      front.append(note).append(lineEnd).append(lineEnd);
+    }
+  }
+  return front + result;
+}
+
+Text followHtml(TextView plain, TextView before, TextView after) {
+  const auto had = linksInHtml(before), has = linksInHtml(after);
+  return withNotes(withoutNotes(plain, missing(had, has)), missing(has, had), notesAtEnd(after));
+}
+
+Text followText(TextView plain, TextView before, TextView after) {
+  const auto had = linksInPlainText(before), has = linksInPlainText(after);
+  return withNotes(withoutNotes(plain, missing(had, has)), missing(has, had), true);
+}
+
+}  // namespace quillfile::mailbox

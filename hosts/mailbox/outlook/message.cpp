@@ -1,0 +1,125 @@
+#include "hosts/mailbox/outlook/message.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "hosts/mailbox/mime/protection.h"
+#include "hosts/mailbox/mime/scan.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+using mime::PartIndex;
+using mime::PartKind;
+
+// Finds out which parts a mail reader shows as the message's text.
+class BodySearch {
+ public:
+  BodySearch(const mime::PartTree& tree, Layout& layout) : tree_(tree), layout_(layout) {}
+
+  // Takes the body that `part` holds; false when it holds none.
+  bool take(PartIndex part) {
+    if (tree_[part].kind == PartKind::leaf) return takeLeaf(part);
+    if (tree_[part].kind == PartKind::message) return false;
+    const auto type = tree_.type(part);
+    const auto children = tree_.children(part);
+    if (type.is("multipart/alternative")) return takeAlternatives(children);
+    if (type.is("multipart/related")) return takeRoot(type, children);
+    return std::any_of(children.begin(), children.end(), [&](PartIndex child) { return take(child); });
+  }
+
+ private:
+  bool takeLeaf(PartIndex part) {
+    const auto header = tree_.header(part);
+    if (mime::disposition(header).word == "attachment" || !mime::givenName(header).empty()) return false;
+    const auto type = tree_.type(part);
+    PartIndex* const place = type.is("text/html")         ? &layout_.html
+                             : type.is("text/rtf")        ? &layout_.rtf
+                             : type.is("application/rtf") ? &layout_.rtf
+                             : type.is("text/plain")      ? &layout_.plain
+                                                          : nullptr;
+    if (place == nullptr || *place != mime::noPart) return false;
+    *place = part;
+    return true;
+  }
+  // Every form of the one text counts.
+  bool takeAlternatives(const std::vector<PartIndex>& children) {
+    bool found = false;
+    for (const auto child : children) found = take(child) || found;
+    return found;
+  }
+  // The part that `start` names, else the first (RFC 2387 3.2).
+  bool takeRoot(const mime::ContentType& type, const std::vector<PartIndex>& children) {
+    const auto start = type.parameters.bytes("start").value_or("");
+    if (!start.empty()) {
+      for (const auto child : children)
+        if (tree_.header(child).value("Content-ID") == start) return take(child);
+    }
+    return !children.empty() && take(children.front());
+  }
+
+  const mime::PartTree& tree_;
+  Layout& layout_;
+};
+
+bool isExternal(const mime::ContentType& type) { return type.is("message/external-body"); }
+
+// Whether a person would call the part an attachment.
+bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex part) {
+  if (part != 0 && tree[part].kind == PartKind::message) return true;
+  if (tree[part].kind == PartKind::multipart || layout.isBody(part)) return false;
+  const auto header = tree.header(part);
+  if (mime::disposition(header).word == "attachment" || !mime::givenName(header).empty()) return true;
+  const auto type = tree.type(part);
+  if (isExternal(type) || type.type == "image" || type.type == "audio" || type.type == "video") return true;
+  if (part == 0) return type.type != "text" && type.type != "multipart" && type.type != "message";
+  const auto parent = tree.type(tree[part].parent);
+  if (type.type == "application") return parent.is("multipart/mixed") || parent.is("multipart/related");
+  return parent.is("multipart/related") && header.field("Content-ID");  // what an HTML body shows
+}
+
+}  // namespace
+
+Layout layoutOf(const mime::PartTree& tree) {
+  Layout layout;
+  BodySearch{tree, layout}.take(0);
+  for (PartIndex part = 0; part < tree.size();) {
+    if (isAttachment(tree, layout, part)) layout.attachments.push_back(part);
+    const bool opened = tree[part].kind != PartKind::message || part == 0;
+    part = opened ? part + 1 : tree.after(part);
+  }
+  return layout;
+}
+
+Message::Message(std::shared_ptr<MessageFile> file)
+    : file_(std::move(file)),
+      tree_(mime::scan(file_->bytes(), behind({0, file_->bytes().size()}))),
+      layout_(layoutOf(tree_)) {}
+
+Message::Message(std::string bytes)
+    : own_(std::move(bytes)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {}
+
+mime::Behind Message::behind(mime::Range range) const {
+  if (!file_) return {};
+  return [file = file_.get(), bytes = range.of(file_->bytes())](std::size_t read) {
+    file->forget(bytes.substr(0, read));
+  };
+}
+
+Text Message::whyNothingMayGo() const {
+  switch (mime::protection(tree_)) {
+    case mime::Protection::is_signed:
+      return u"the message is signed, and taking something out would break its signature";
+    case mime::Protection::encrypted:
+      return u"the message is encrypted, and taking something out would break it";
+    case mime::Protection::none:
+      break;
+  }
+  if (!tree_.doubt().empty()) return fill(u"the message cannot be relied upon: {}", tree_.doubt());
+  for (const auto& part : tree_.parts())
+    if (part.kind != PartKind::leaf && !part.doubt.empty())
+      return fill(u"the message cannot be relied upon: {}", part.doubt);
+  return {};
+}
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,136 @@
+#include "hosts/mailbox/outlook/removed_part.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <set>
+
+#include "hosts/mailbox/mime/decode.h"
+#include "hosts/mailbox/mime/encode.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+constexpr std::size_t lineWidth = 72;
+
+// "name=" and its value in base64, over as many lines as it needs.
+void appendEncoded(std::string& field, std::string_view name, std::string_view value,
+                   std::string_view lineEnd) {
+  const auto encoded = mime::toBase64(value, "");
+  std::string_view rest = encoded;
+  field.append(";").append(lineEnd).append(" ").append(name).append("=");
+  for (std::size_t room = lineWidth - name.size(); !rest.empty(); room = lineWidth) {
+    field.append(rest.substr(0, room));
+    rest.remove_prefix(std::min(room, rest.size()));
+    if (!rest.empty()) field.append(lineEnd).append(" ");
+  }
+}
+
+std::string withoutBlanks(std::string_view value) {
+  std::string result;
+  for (const char c : value)
+    if (c != ' ' && c != '\t' && c != '\r' && c != '\n') result += c;
+  return result;
+}
+
+std::optional<std::string> fromBase64(std::string_view value) {
+  std::string bytes;
+  const bool exact =
+      mime::decodePlain(mime::Encoding::base64, value, [&](std::string_view more) { bytes += more; });
+  return exact ? std::optional{bytes} : std::nullopt;
+}
+
+std::optional<std::uint32_t> number(std::string_view digits) {
+  std::uint32_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return error == std::errc{} && end == digits.data() + digits.size() ? std::optional{value} : std::nullopt;
+}
+
+std::optional<RemovedPart> read(std::string_view value) {
+  const auto compact = withoutBlanks(value);
+  RemovedPart part;
+  bool placed = false;
+  for (std::string_view rest = compact; !rest.empty();) {
+    const auto end = std::min(rest.find(';'), rest.size());
+    const auto item = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    const auto equals = item.find('=');
+    if (equals == std::string_view::npos) return std::nullopt;
+    const auto name = item.substr(0, equals);
+    const auto text = item.substr(equals + 1);
+    if (name == "in") part.parent = text;
+    if (name == "at") {
+      const auto place = number(text);
+      if (!place) return std::nullopt;
+      part.at = *place;
+      placed = true;
+    }
+    if (name == "path" || name == "header") {
+      auto bytes = fromBase64(text);
+      if (!bytes) return std::nullopt;
+      (name == "path" ? part.path : part.header) = std::move(*bytes);
+    }
+  }
+  return placed && !part.path.empty() ? std::optional{std::move(part)} : std::nullopt;
+}
+
+}  // namespace
+
+std::string fieldOf(const RemovedPart& part, std::string_view lineEnd) {
+  std::string field{removedPartField};
+  field.append(": in=").append(part.parent).append("; at=").append(std::to_string(part.at));
+  appendEncoded(field, "path", part.path, lineEnd);
+  appendEncoded(field, "header", part.header, lineEnd);
+  return field.append(lineEnd);
+}
+
+std::vector<RemovedPart> removedParts(const mime::Header& header) {
+  std::vector<RemovedPart> parts;
+  for (const auto& field : header.fields(removedPartField))
+    if (auto part = read(field.value)) parts.push_back(std::move(*part));
+  return parts;
+}
+
+std::vector<std::uint32_t> oldPlaces(std::size_t children, std::string_view path,
+                                     const std::vector<RemovedPart>& gone) {
+  std::set<std::uint32_t> taken;
+  for (const auto& part : gone)
+    if (part.parent == path) taken.insert(part.at);
+  std::vector<std::uint32_t> places;
+  for (std::uint32_t place = 0; places.size() < children; ++place)
+    if (!taken.contains(place)) places.push_back(place);
+  return places;
+}
+
+mime::PartIndex multipartAt(const mime::PartTree& tree, std::string_view path,
+                            const std::vector<RemovedPart>& gone) {
+  mime::PartIndex part = 0;
+  for (std::size_t at = 0; at < path.size();) {
+    const auto end = std::min(path.find('.', at), path.size());
+    const auto wanted = number(path.substr(at, end - at));
+    const auto children = tree.children(part);
+    const auto places = oldPlaces(children.size(), path.substr(0, at == 0 ? 0 : at - 1), gone);
+    const auto found = std::find(places.begin(), places.end(), wanted.value_or(0) - 1);
+    if (found == places.end()) return mime::noPart;
+    part = children[static_cast<std::size_t>(found - places.begin())];
+    at = end + 1;
+  }
+  return tree[part].kind == mime::PartKind::multipart ? part : mime::noPart;
+}
+
+Place placeOf(const mime::PartTree& tree, mime::PartIndex part, const std::vector<RemovedPart>& gone) {
+  if (part == 0) return {"", 1};
+  const auto parent = tree[part].parent;
+  Place place;
+  if (parent != 0) {
+    const auto [above, at] = placeOf(tree, parent, gone);
+    place.parent = above + (above.empty() ? "" : ".") + std::to_string(at + 1);
+  }
+  const auto siblings = tree.children(parent);
+  const auto index =
+      static_cast<std::size_t>(std::find(siblings.begin(), siblings.end(), part) - siblings.begin());
+  place.at = oldPlaces(siblings.size(), place.parent, gone)[index];
+  return place;
+}
+
+}  // namespace quillfile::mailbox

@@ -1,0 +1,138 @@
+#include "hosts/mailbox/outlook/rewrite.h"
+
+#include <algorithm>
+
+#include "hosts/mailbox/outlook/part_insertion.h"
+#include "hosts/mailbox/services/failure.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+// A part's bytes by the second decoder, which shares nothing with the one that wrote the file: what is
+// compared with the file before the part may go.
+Content secondReading(const std::shared_ptr<const Message>& message, mime::PartIndex part) {
+  return [message, part](const Sink& sink) {
+    const auto& at = message->tree()[part];
+    const auto body = message->tree().body(part);
+    if (at.encoding != mime::Encoding::base64 && at.encoding != mime::Encoding::quoted_printable) {
+      mime::decode(at.encoding, body, sink, message->behind(at.body));
+    } else if (!mime::decodePlain(at.encoding, body, sink)) {
+      throw failure("Could not read the attachment a second time: its encoding is not as it should be");
+    }
+  };
+}
+
+class Rewriting {
+ public:
+  Rewriting(const std::shared_ptr<const Message>& message, const ItemChanges& changes,
+            const std::vector<RemovedPart>& removedBefore)
+      : message_(message),
+        tree_(message->tree()),
+        changes_(changes),
+        removedBefore_(removedBefore),
+        edit_(tree_) {}
+
+  Rewrite run(ItemBodies& bodies) {
+    for (const auto& taken : changes_.taken) take(taken);
+    addAll();
+    bodies.apply(edit_, splices_);
+    if (leavesNothing(bodies)) edit_.addBody(mime::BodyFormat::plain, u"");
+    auto pieces = std::make_shared<const mime::Pieces>(spliced(edit_.pieces(), splices_));
+    const auto cuts = cutsWith(edit_.cuts(), splices_);
+    result_.content = [message = message_, pieces](const Sink& sink) {
+      mime::write(message->bytes(), *pieces, sink, message->behind({0, message->bytes().size()}));
+    };
+    result_.check = [message = message_, pieces, cuts](std::string_view rewritten) {
+      return mime::check(message->bytes(), *pieces, cuts, rewritten);
+    };
+    return std::move(result_);
+  }
+
+ private:
+  void take(const TakenAttachment& taken) {
+    const auto part = taken.source->part();
+    if (!part) throw failure("Could not take an attachment out of its container");
+    edit_.remove(*part);
+    if (!taken.file) return;
+    result_.removed.push_back({taken.file, secondReading(message_, *part)});
+    const auto [parent, at] = placeOf(tree_, *part, removedBefore_);
+    RemovedPart record{taken.file->asked, parent, at, {}};
+    auto lines = tree_.header(*part).block();
+    while (const auto field = mime::takeField(lines)) {
+      // Of a message that is all one attachment, the lines about the attachment alone.
+      const bool about = *part != 0 || mime::lowerCase(field->name).starts_with("content-");
+      if (about) record.header += field->whole;
+    }
+    const auto end = tree_[0].header.end;
+    splices_.push_back({{end, end}, {mime::Piece{fieldOf(record, tree_.lineEnd())}}});
+  }
+
+  // Those that were parts of this message first, in the order of their old places.
+  void addAll() {
+    std::vector<const AddedAttachment*> back, others;
+    for (const auto& added : changes_.added) (added.was ? back : others).push_back(&added);
+    std::stable_sort(back.begin(), back.end(),
+                     [](const auto* a, const auto* b) { return a->was->at < b->was->at; });
+    for (const auto* added : back)
+      if (!putBack(*added)) others.push_back(added);
+    for (const auto* added : others) {
+      edit_.add({.name = added->source->fileName(),
+                 .type = added->source->mediaType(),
+                 .description = added->source->displayName() == added->source->fileName()
+                                    ? Text{}
+                                    : added->source->displayName(),
+                 .content = added->source->content()});
+    }
+  }
+
+  bool putBack(const AddedAttachment& added) {
+    forget(*added.was);
+    const auto multipart = multipartAt(tree_, added.was->parent, removedBefore_);
+    if (multipart == mime::noPart) return false;
+    const auto children = tree_.children(multipart);
+    const auto places = oldPlaces(children.size(), added.was->parent, removedBefore_);
+    const auto before = static_cast<std::size_t>(
+        std::lower_bound(places.begin(), places.end(), added.was->at) - places.begin());
+    splices_.push_back(insertion(tree_, multipart, before, added.was->header, *added.source));
+    return true;
+  }
+
+  // The message's header need not tell of the part any more.
+  void forget(const RemovedPart& part) {
+    for (const auto& field : tree_.header(0).fields(removedPartField)) {
+      const auto told = removedParts(mime::Header{field.whole});
+      const auto begin = static_cast<std::size_t>(field.whole.data() - tree_.message().data());
+      const mime::Range range{begin, begin + field.whole.size()};
+      const bool known =
+          std::any_of(splices_.begin(), splices_.end(), [&](const Splice& s) { return s.range == range; });
+      if (told.empty() || told.front() != part || known) continue;
+      splices_.push_back({range, {}});
+      return;
+    }
+  }
+
+  // A multipart must have a part.
+  bool leavesNothing(ItemBodies& bodies) const {
+    const auto children = tree_.children(0);
+    return tree_[0].kind == mime::PartKind::multipart && !bodies.changed() && changes_.added.empty() &&
+           std::all_of(children.begin(), children.end(),
+                       [&](mime::PartIndex child) { return edit_.removes(child); });
+  }
+
+  const std::shared_ptr<const Message>& message_;
+  const mime::PartTree& tree_;
+  const ItemChanges& changes_;
+  const std::vector<RemovedPart>& removedBefore_;
+  mime::Edit edit_;
+  std::vector<Splice> splices_;
+  Rewrite result_;
+};
+
+}  // namespace
+
+Rewrite rewrite(const std::shared_ptr<const Message>& message, ItemBodies& bodies, const ItemChanges& changes,
+                const std::vector<RemovedPart>& removedBefore) {
+  return Rewriting{message, changes, removedBefore}.run(bodies);
+}
+
+}  // namespace quillfile::mailbox
