@@ -1,0 +1,161 @@
+// Items of a mail store: what they tell, and what saving, removing and noting make of a message.
+#include "tests/mailbox/outlook/mailbox.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+const std::string withAttachment =
+    "Received: from a by b; Wed, 4 Mar 2009 14:05:00 +0000\n"
+    "From: =?utf-8?Q?Ren=C3=A9e?= <renee@example.org>\n"
+    "To: me@example.net\n"
+    "Subject: =?utf-8?Q?The_n=C3=BAmbers?=\n"
+    "MIME-Version: 1.0\n"
+    "Content-Type: multipart/mixed; boundary=\"b\"\n"
+    "\n"
+    "--b\n"
+    "Content-Type: text/plain\n"
+    "\n"
+    "Here they are.\n"
+    "--b\n"
+    "Content-Type: application/pdf; name=\"a.pdf\"\n"
+    "Content-Disposition: attachment; filename=\"a.pdf\"\n"
+    "Content-Transfer-Encoding: base64\n"
+    "\n"
+    "aGVsbG8gd29ybGQ=\n"
+    "--b--\n";
+
+TEST_F(Mailbox, AnItemTellsWhatAListShows) {
+  const auto item = deliver(withAttachment);
+  EXPECT_EQ(item->typeName(), u"MailItem");
+  EXPECT_EQ(item->subject(), u"The n\u00FAmbers");
+  EXPECT_EQ(item->sender(), (mime::Address{u"Ren\u00E9e", u"renee@example.org"}));
+  EXPECT_EQ(item->bodyFormat(), u"TEXT");
+  EXPECT_EQ(item->body(BodyKind::plain), u"Here they are.");
+  EXPECT_TRUE(item->unRead());
+  ASSERT_EQ(item->attachments()->count(), 1);
+  const auto attachment = item->attachments()->item(1);
+  EXPECT_EQ(attachment->fileName(), u"a.pdf");
+  EXPECT_EQ(attachment->displayName(), u"a.pdf");
+  EXPECT_EQ(attachment->type(), 1);
+  EXPECT_EQ(attachment->size(), 11);
+}
+
+TEST_F(Mailbox, ASavedAttachmentIsTakenOutAndANoteStandsInTheBody) {
+  const auto item = deliver(withAttachment);
+  const auto before = toUtf8(item->entryId());
+
+  ASSERT_EQ(strip(item, 1), Removal::removed);
+  EXPECT_EQ(item->attachments()->count(), 0);
+  finish();
+
+  EXPECT_EQ(told.failed, std::vector<std::string>{});
+  EXPECT_EQ(told.changes, 1);
+  EXPECT_NE(toUtf8(item->entryId()), before);
+  EXPECT_EQ(contentOf(root / "saved" / "a.pdf"), "hello world");
+  const auto after = tidied(bytesOf(item));
+  const auto record = after.find("X-Quillfile-Attachment: in=; at=1;");
+  ASSERT_NE(record, std::string::npos) << after;
+  EXPECT_EQ(after.substr(0, record), withAttachment.substr(0, withAttachment.find("\n\n") + 1));
+  EXPECT_EQ(after.substr(after.find("\n\n")),
+            "\n\n--b\nContent-Type: text/plain\n\nHere they are.\n\n"
+            "Attachment saved to <file://SAVED/a.pdf>\n--b--\n");
+  EXPECT_EQ(item->attachments()->count(), 0);
+}
+
+TEST_F(Mailbox, ARestoredMessageIsWhatItWasByteForByte) {
+  const auto item = deliver(withAttachment);
+  const auto path = fromUtf8((root / "saved").string()) + u"/a.pdf";
+  strip(item, 1);
+  finish();
+
+  item->attachments()->add({.source = path, .type = AttachmentType::by_value, .position = {}, .displayName = u"a.pdf"});
+  item->setBody(BodyKind::plain, replaceAll(item->body(BodyKind::plain), fill(u"Attachment saved to <file://{}>", path), u""));
+  item->finishRestore();
+  item->saveQuietly();
+  finish();
+
+  EXPECT_EQ(told.failed, std::vector<std::string>{});
+  EXPECT_EQ(bytesOf(item), withAttachment);
+}
+
+TEST_F(Mailbox, SettingTheSameReadStateIsNoChange) {
+  const auto item = deliver(withAttachment, "S");
+  item->setUnRead(false);
+  finish();
+  EXPECT_EQ(told.changes, 0);
+  item->setUnRead(true);
+  finish();
+  EXPECT_EQ(told.changes, 1);
+  EXPECT_TRUE(item->unRead());
+  EXPECT_EQ(bytesOf(item), withAttachment);
+}
+
+TEST_F(Mailbox, ASignedMessageKeepsItsAttachmentsAndSaysWhyOnce) {
+  auto text = withAttachment;
+  text.replace(text.find("multipart/mixed"), 15, "multipart/signed");
+  const auto item = deliver(text);
+  EXPECT_EQ(strip(item, 1), Removal::declined);
+  EXPECT_EQ(strip(item, 1), Removal::declined);
+  finish();
+  EXPECT_EQ(told.declined, std::vector<std::string>{
+                               "the message is signed, and taking something out would break its signature"});
+  EXPECT_EQ(contentOf(root / "saved" / "a.pdf"), "hello world");
+  EXPECT_EQ(bytesOf(item), text);
+}
+
+TEST_F(Mailbox, ADoubtedAttachmentStaysAndACleanOneGoes) {
+  auto text = withAttachment;
+  const std::string doubted =
+      "--b\nContent-Type: application/pdf; name=\"d.pdf\"\nContent-Transfer-Encoding: base64\n\naGVsbG8*gd29ybGQ=\n";
+  text.insert(text.find("--b--"), doubted);
+  const auto item = deliver(text);
+  EXPECT_EQ(strip(item, 2), Removal::declined);
+  EXPECT_EQ(strip(item, 1), Removal::removed);
+  finish();
+  EXPECT_EQ(told.declined.size(), 1u);
+  ASSERT_EQ(item->attachments()->count(), 1);
+  EXPECT_EQ(item->attachments()->item(1)->fileName(), u"d.pdf");
+  EXPECT_NE(bytesOf(item).find(doubted), std::string::npos);
+}
+
+TEST_F(Mailbox, ADeletedItemMovesToDeletedItemsAndASecondTimeGoes) {
+  const auto item = deliver(withAttachment);
+  item->remove();
+  finish();
+  ASSERT_EQ(item->folder()->role(), FolderRole::deleted);
+  EXPECT_EQ(bytesOf(item), withAttachment);
+  item->remove();
+  finish();
+  EXPECT_EQ(item->folder()->list().size(), 0u);
+}
+
+TEST_F(Mailbox, ThePaperclipMakesAMixedMessageOfAPlainOne) {
+  std::ofstream{root / "Paperclip.ico"} << "icon";
+  const auto item = deliver("From: a@b.c\nSubject: x\nContent-Type: text/plain; charset=utf-8\n\nBody\n");
+  item->attachments()->add({.source = fromUtf8((root / "Paperclip.ico").string()), .type = {}, .position = -1,
+                            .displayName = u"Paperclip retained by Quillfile"});
+  item->saveQuietly();
+  finish();
+  EXPECT_EQ(told.failed, std::vector<std::string>{});
+  ASSERT_EQ(item->attachments()->count(), 1);
+  EXPECT_EQ(item->attachments()->item(1)->displayName(), u"Paperclip retained by Quillfile");
+  EXPECT_EQ(item->attachments()->item(1)->fileName(), u"Paperclip.ico");
+  EXPECT_EQ(item->attachments()->item(1)->size(), 4);
+  EXPECT_EQ(item->body(BodyKind::plain), u"Body\r\n");
+}
+
+TEST_F(Mailbox, AMessageThatIsAllOneAttachmentBecomesItsNote) {
+  const auto item = deliver(
+      "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: application/pdf; name=\"a.pdf\"\n"
+      "Content-Transfer-Encoding: base64\n\naGVsbG8gd29ybGQ=\n");
+  ASSERT_EQ(item->attachments()->count(), 1);
+  EXPECT_EQ(item->bodyFormat(), u"TEXT");
+  EXPECT_EQ(strip(item, 1), Removal::removed);
+  finish();
+  EXPECT_EQ(told.failed, std::vector<std::string>{});
+  EXPECT_EQ(item->attachments()->count(), 0);
+  EXPECT_EQ(tidied(toUtf8(item->body(BodyKind::plain))), "\r\n\r\nAttachment saved to <file://SAVED/a.pdf>");
+}
+
+}  // namespace
+}  // namespace quillfile::mailbox
