@@ -5,6 +5,7 @@
 #include "hosts/mailbox/mime/charset.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/mime/header.h"
+#include "hosts/mailbox/mime/header_value.h"
 #include "hosts/mailbox/outlook/received_time.h"
 #include "hosts/mailbox/store/maildir_name.h"
 
@@ -21,21 +22,8 @@ Text oneLine(TextView text) {
   return result;
 }
 
-std::string encodedName(TextView name) {
-  const auto bytes = toUtf8(name);
-  if (!mime::isAscii(bytes)) return mime::encodedText(name, lineEnd);
-  std::string quoted = "\"";
-  for (const char c : bytes) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return quoted + "\"";
-}
-
 std::string mailbox(const mime::Address& address) {
-  const auto spec = toUtf8(oneLine(address.address));
-  if (address.name.empty() || address.name == address.address) return spec;
-  return encodedName(oneLine(address.name)) + " <" + spec + ">";
+  return mime::encodedAddress({oneLine(address.name), oneLine(address.address)}, lineEnd);
 }
 
 void appendField(std::string& header, std::string_view name, std::string_view value) {

@@ -19,10 +19,9 @@ std::string gathered(const AttachmentSource& source) {
 std::optional<std::string> asItWas(const mime::Header& header, const AttachmentSource& source,
                                    std::string_view boundary, std::string_view lineEnd) {
   const auto encoding = mime::encodingNamed(header.value("Content-Transfer-Encoding"));
-  const bool message = mime::contentType(header).type == "message";
   const bool plain = encoding == mime::Encoding::identity;
   if (!plain && encoding != mime::Encoding::quoted_printable) return std::nullopt;
-  if (static_cast<std::size_t>(source.size()) > smallContent && !message) return std::nullopt;
+  if (static_cast<std::size_t>(source.size()) > smallContent) return std::nullopt;
   const auto bytes = gathered(source);
   const auto delimiter = "--" + std::string{boundary};
   if (plain) {
@@ -53,12 +52,16 @@ mime::Pieces partPieces(std::string header, const AttachmentSource& source, std:
                         std::string_view lineEnd) {
   if (!header.empty() && header.back() != '\n') header.append(lineEnd);
   const mime::Header read{header};
+  const auto encoding = mime::encodingNamed(read.value("Content-Transfer-Encoding"));
+  // A message in a message is never encoded (RFC 2046 5.2.1).
+  if (mime::contentType(read).is("message/rfc822") && encoding == mime::Encoding::identity)
+    return {mime::Piece{header.append(lineEnd)},
+            mime::Piece{mime::StreamedContent{source.content(), false, std::string{lineEnd}}}};
   if (auto bytes = asItWas(read, source, boundary, lineEnd))
     return {mime::Piece{header.append(lineEnd)}, mime::Piece{std::move(*bytes)}};
-  const bool already = mime::encodingNamed(read.value("Content-Transfer-Encoding")) == mime::Encoding::base64;
-  auto lines = already ? header : inBase64(header, lineEnd);
+  auto lines = encoding == mime::Encoding::base64 ? header : inBase64(header, lineEnd);
   return {mime::Piece{lines.append(lineEnd)},
-          mime::Piece{mime::EncodedContent{source.content(), std::string{lineEnd}}}};
+          mime::Piece{mime::StreamedContent{source.content(), true, std::string{lineEnd}}}};
 }
 
 Splice insertion(const mime::PartTree& tree, mime::PartIndex multipart, std::size_t before,

@@ -33,13 +33,6 @@ std::string withoutBlanks(std::string_view value) {
   return result;
 }
 
-std::optional<std::string> fromBase64(std::string_view value) {
-  std::string bytes;
-  const bool exact =
-      mime::decodePlain(mime::Encoding::base64, value, [&](std::string_view more) { bytes += more; });
-  return exact ? std::optional{bytes} : std::nullopt;
-}
-
 std::optional<std::uint32_t> number(std::string_view digits) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -66,7 +59,7 @@ std::optional<RemovedPart> read(std::string_view value) {
       placed = true;
     }
     if (name == "path" || name == "header") {
-      auto bytes = fromBase64(text);
+      auto bytes = mime::decodePlain(mime::Encoding::base64, text);
       if (!bytes) return std::nullopt;
       (name == "path" ? part.path : part.header) = std::move(*bytes);
     }

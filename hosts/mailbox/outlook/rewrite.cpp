@@ -3,24 +3,11 @@
 #include <algorithm>
 
 #include "hosts/mailbox/outlook/part_insertion.h"
+#include "hosts/mailbox/outlook/second_reading.h"
 #include "hosts/mailbox/services/failure.h"
 
 namespace quillfile::mailbox {
 namespace {
-
-// A part's bytes by the second decoder, which shares nothing with the one that wrote the file: what is
-// compared with the file before the part may go.
-Content secondReading(const std::shared_ptr<const Message>& message, mime::PartIndex part) {
-  return [message, part](const Sink& sink) {
-    const auto& at = message->tree()[part];
-    const auto body = message->tree().body(part);
-    if (at.encoding != mime::Encoding::base64 && at.encoding != mime::Encoding::quoted_printable) {
-      mime::decode(at.encoding, body, sink, message->behind(at.body));
-    } else if (!mime::decodePlain(at.encoding, body, sink)) {
-      throw failure("Could not read the attachment a second time: its encoding is not as it should be");
-    }
-  };
-}
 
 class Rewriting {
  public:
