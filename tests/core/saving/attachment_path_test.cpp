@@ -4,7 +4,7 @@
 namespace quillfile {
 namespace {
 
-class AttachmentPath : public UnderBothRules {
+class AttachmentPath : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> mail(ItemData data, TextView fileName) {
     auto item = world.addItem(std::move(data));

@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class BodyLink : public UnderBothRules {
+class BodyLink : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> mail(ItemData data) {
     data.subject = u"A";

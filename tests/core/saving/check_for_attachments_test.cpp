@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class CheckForAttachments : public UnderBothRules {
+class CheckForAttachments : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> mail(ItemData data = {}) {
     data.label = u"A";

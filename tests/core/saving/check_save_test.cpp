@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class CheckSave : public UnderBothRules {
+class CheckSave : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> three() {
     auto item = world.addItem({.label = u"A", .subject = u"Invoice"});

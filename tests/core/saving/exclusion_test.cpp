@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-using Exclusion = UnderBothRules;
+using Exclusion = SavingUnderBothRules;
 
 TEST_P(Exclusion, ANameOnTheListMatches) {
   EXPECT_TRUE(engine.IsAMatch(u"b.jpg", u"a.gif;b.jpg"));

@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class Execute : public UnderBothRules {
+class Execute : public SavingUnderBothRules {
  protected:
   Execute() { world.files.add(saved); }
   void commandLine(TextView text) { world.settings.set(u"ExecuteCommandLine", text); }

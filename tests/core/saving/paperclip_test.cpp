@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class Paperclip : public UnderBothRules {
+class Paperclip : public SavingUnderBothRules {
  protected:
   Text icon() const { return world.installationFolder() + Text{GetParam().separator} + u"Paperclip.ico"; }
   std::vector<Text> added(TextView format, TextView position) const {

@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class SaveAttachment : public UnderBothRules {
+class SaveAttachment : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> mail(AttachmentData attachment) {
     auto item = world.addItem({.label = u"A", .body = u"hello"});

@@ -3,7 +3,7 @@
 namespace quillfile {
 namespace {
 
-class SaveEmail : public UnderBothRules {
+class SaveEmail : public SavingUnderBothRules {
  protected:
   bool save(bool skipCriteria = true) {
     world.record.clear();

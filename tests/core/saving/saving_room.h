@@ -58,9 +58,9 @@ inline Text native(const PathRules& rules, TextView path) {
 }
 
 // A test that runs under both systems' rules, in a world with the folder "/Saved/".
-class UnderBothRules : public testing::TestWithParam<PathRules> {
+class SavingUnderBothRules : public testing::TestWithParam<PathRules> {
  protected:
-  UnderBothRules() { world.files.addFolder(path(u"/Saved/")); }
+  SavingUnderBothRules() { world.files.addFolder(path(u"/Saved/")); }
 
   Text path(TextView posix) const { return native(GetParam(), posix); }
   Text link(TextView posix) const { return GetParam().linkTo(path(posix)); }

@@ -11,7 +11,7 @@ Lines operator+(Lines first, const Lines& second) {
   return first;
 }
 
-class WholeRun : public UnderBothRules {
+class WholeRun : public SavingUnderBothRules {
  protected:
   std::shared_ptr<FakeItem> three(ItemData data) {
     data.label = u"A";
