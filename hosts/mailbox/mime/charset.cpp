@@ -71,19 +71,21 @@ constexpr Alias aliases[] = {
     {"koi8", "KOI8-R"},
 };
 
-// What iconv is asked for. Other characters than these never reach iconv, where "/" begins options.
-std::string iconvName(std::string_view charset) {
+// What iconv is asked for; none for a name that cannot be one. Other characters than these never reach iconv,
+// where
+// "/" begins options and a name without letters means the locale's charset.
+std::optional<std::string> iconvName(std::string_view charset) {
   auto name = lowerCase(trimmed(charset));
   for (const auto& alias : aliases) {
     if (alias.name == name) return alias.iconvName;
   }
-  const auto odd = [](char c) {
-    return !((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '.' ||
-             c == ':');
-  };
-  return std::any_of(name.begin(), name.end(), odd) ? "?" : name;
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); };
+  const auto isOdd = [&](char c) { return !isLetter(c) && c != '-' && c != '_' && c != '.' && c != ':'; };
+  if (!isLetter(name[0]) || std::any_of(name.begin(), name.end(), isOdd)) return std::nullopt;
+  return name;
 }
 
+constexpr const char* nobody = "x-nobody";  // no charset that iconv knows
 constexpr const char* utf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
 class Converter {
@@ -149,8 +151,8 @@ void note(Doubt* doubt, Doubt reason) {
 
 Text fromCharset(std::string_view bytes, std::string_view charset, Doubt* doubt) {
   const auto name = iconvName(charset);
-  if (name.empty()) return guess(bytes);
-  Converter converter{utf16, name.c_str()};
+  if (name && name->empty()) return guess(bytes);
+  Converter converter{utf16, name ? name->c_str() : nobody};
   if (!converter.known()) {
     note(doubt, unknownCharset);
     return latin1(bytes);
@@ -178,8 +180,8 @@ std::optional<std::string> toCharset(TextView text, std::string_view charset) {
   auto name = iconvName(charset);
   const bool latin =
       lowerCase(charset).find("8859-1") != std::string::npos || lowerCase(charset).starts_with("latin");
-  if (name.empty()) name = latin ? "ISO-8859-1" : "ASCII";
-  Converter converter{name.c_str(), utf16};
+  if (name && name->empty()) name = latin ? "ISO-8859-1" : "ASCII";
+  Converter converter{name ? name->c_str() : nobody, utf16};
   if (!converter.known()) return std::nullopt;
   std::string_view in{reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
   std::string out;

@@ -30,8 +30,9 @@ class Edit {
   // not.
   explicit Edit(const PartTree& tree);
 
-  // The part goes, with its boundary line. A multipart stays, however few parts are left in it. Where the
-  // part is the whole message (0), a new body takes its place, or an empty one.
+  // The part goes, with its boundary line; not for the root of an embedded message. A multipart stays,
+  // however few parts are left in it. Where the part is the whole message (0), a new body takes its place, or
+  // an empty one.
   void remove(PartIndex part);
   // The text of a text/* leaf. It keeps its charset and transfer encoding where the new text fits them; else
   // the part becomes UTF-8, or quoted-printable, or base64. Line ends in `text` may be of any kind.

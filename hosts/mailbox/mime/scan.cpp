@@ -153,7 +153,12 @@ class Scanner {
       chain_[line.level].boundary.clear();
       --waiting_;
     } else {
-      open({begin, line.lineEnd}, multipart);
+      auto last = line;  // a boundary line that is doubled opens one part, not an empty one before
+      while (const auto next = boundaryLineAt(last.lineEnd)) {
+        if (next->level != line.level || next->closes) break;
+        last = *next;
+      }
+      open({begin, last.lineEnd}, multipart);
     }
   }
 
@@ -167,10 +172,23 @@ class Scanner {
       part.body.end = at;
       cut = cut || (waits && at == message_.size());
       if (cut && part.doubt.empty()) part.doubt = cutOff;
-      if (part.kind == PartKind::multipart && part.closing.end == 0) part.closing = {at, at};
+      if (part.kind == PartKind::multipart && part.closing.end == 0) {
+        part.closing = {at, at};
+        if (!hasChildren(chain_[i].part)) becomeLeaf(part);
+      }
       if (waits) --waiting_;
     }
     chain_.resize(level);
+  }
+
+  bool hasChildren(PartIndex part) const {
+    return part + 1 < parts_.size() && parts_[part + 1].parent == part;
+  }
+
+  // A multipart without a single boundary line: what its body holds is for the reader to make out.
+  static void becomeLeaf(Part& part) {
+    part.kind = PartKind::leaf;
+    part.doubt = noBoundary;
   }
 
   void forgetBoundaries() {

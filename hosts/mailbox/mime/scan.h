@@ -13,7 +13,7 @@ struct ScanLimits {
   std::uint32_t depth = 100;
   std::uint32_t parts = 10'000;
   std::size_t headerBytes = std::size_t{2} << 20;  // of one header block
-  std::size_t boundaryBytes = 1'000;               // of one boundary line
+  std::size_t boundaryBytes = 16'000;              // of one boundary line
 };
 
 // Never fails: bytes that are no message are a message with an odd body. A body that no boundary line can end
