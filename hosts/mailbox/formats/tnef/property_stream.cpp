@@ -121,7 +121,7 @@ void skipName(Cursor& cursor) {
   }
 }
 
-bool readProperty(Cursor& cursor, mapi::Properties& to, const ObjectHandler& object) {
+bool readProperty(Cursor& cursor, mapi::Properties& to, const DataHandler& data) {
   const std::uint32_t tag = cursor.number();
   const auto number = static_cast<std::uint16_t>(tag >> 16), kind = static_cast<std::uint16_t>(tag & 0xFFFF);
   const auto type = static_cast<Type>(kind & ~mapi::kMultiple);
@@ -134,9 +134,9 @@ bool readProperty(Cursor& cursor, mapi::Properties& to, const ObjectHandler& obj
     const std::string_view value = fixed > 0 ? cursor.take(fixed) : cursor.counted();
     if (i > 0 || multiple || cursor.failed() || !mapi::isKnown(number)) continue;
     const auto id = static_cast<Id>(number);
-    if (type == Type::object || id == Id::attach_data) {
-      if (object) object(id, value);
-    } else if (!to.has(id)) {
+    if (id == Id::attach_data) {
+      if (data) data(type, value);
+    } else if (type != Type::object && !to.has(id)) {
       to.add(id, type, valueOf(type, value));
     }
   }
@@ -162,11 +162,11 @@ std::string objectHeader(Id id, std::uint64_t length) {
   return result;
 }
 
-bool readProperties(std::string_view& bytes, mapi::Properties& to, const ObjectHandler& object) {
+bool readProperties(std::string_view& bytes, mapi::Properties& to, const DataHandler& data) {
   Cursor cursor(bytes);
   bool whole = true;
   for (std::uint32_t left = cursor.number(); left > 0 && whole; --left)
-    whole = readProperty(cursor, to, object);
+    whole = readProperty(cursor, to, data);
   bytes = cursor.left();
   return whole && !cursor.failed();
 }

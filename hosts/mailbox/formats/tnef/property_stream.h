@@ -18,12 +18,13 @@ std::string objectHeader(mapi::Id id, std::uint64_t length);
 
 inline std::size_t padding(std::uint64_t length) { return static_cast<std::size_t>((4 - length % 4) % 4); }
 
-// Objects are not put among the properties: `object` is called with the first value of each.
-using ObjectHandler = std::function<void(mapi::Id id, std::string_view value)>;
+// An attachment's data is not put among the properties: `data` is called with it. Of an object the value
+// begins with the sixteen bytes that say who reads it; of binary data it does not.
+using DataHandler = std::function<void(mapi::Type type, std::string_view value)>;
 
 // Reads one set of properties and cuts it off the front of `bytes`. False when it is damaged: what was read
 // until there stays.
-bool readProperties(std::string_view& bytes, mapi::Properties& to, const ObjectHandler& object = {});
+bool readProperties(std::string_view& bytes, mapi::Properties& to, const DataHandler& data = {});
 
 // A count, and that many sets of properties.
 bool readRows(std::string_view bytes, const std::function<void(const mapi::Properties&)>& row);

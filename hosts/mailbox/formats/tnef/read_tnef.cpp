@@ -8,7 +8,6 @@
 namespace quillfile::formats {
 
 using namespace tnef;
-using mapi::Id;
 
 namespace {
 
@@ -85,10 +84,14 @@ void takeRecipients(RawMessage& message, std::string_view data) {
 
 void takeAttachmentProperties(RawMessage& message, std::string_view data) {
   RawAttachment& attachment = message.attachment();
-  const auto object = [&](Id id, std::string_view value) {
-    if (id == Id::attach_data && !attachment.object) attachment.object = value;
+  const auto take = [&](mapi::Type type, std::string_view value) {
+    if (type == mapi::Type::object) {
+      attachment.object = value;
+    } else if (!attachment.data || attachment.data->empty()) {
+      attachment.data = value;
+    }
   };
-  if (!readProperties(data, attachment.properties, object)) message.doubt(kDamagedProperties);
+  if (!readProperties(data, attachment.properties, take)) message.doubt(kDamagedProperties);
 }
 
 constexpr Row kRows[] = {
