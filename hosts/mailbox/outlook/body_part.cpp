@@ -100,7 +100,7 @@ class ByteOffsets {
 };
 
 // The charset that new text is written in, beside what is there.
-std::string_view writingCharset(const Decoded& decoded) {
+std::string writingCharset(const Decoded& decoded) {
   const bool unsaid = mime::lowerCase(decoded.charset) == "us-ascii" || decoded.charset.empty();
   return unsaid && !mime::isAscii(decoded.bytes) && mime::isUtf8(decoded.bytes) ? "utf-8" : decoded.charset;
 }
