@@ -1,0 +1,136 @@
+"""A mailbox of three messages with four attachments, and what must be true of it at every instant."""
+import base64
+import email
+import os
+import random
+import shutil
+from pathlib import Path
+
+SETTINGS = """[Quillfile]
+SavePath={saved}/
+SaveAllAttachments=1
+RemoveAttachment=1
+AddURL=1
+RetainPaperclip=0
+PostProcess=1
+AutomaticRename=1
+ImitateOutlookFolders=0
+ErrorPrompt=0
+"""
+
+ATTACHMENTS = [  # message, name, size
+    (1, "report.pdf", 30_000),
+    (2, "report.pdf", 300_000),
+    (2, "photo.jpg", 700),
+    (3, "notes.bin", 5_000),
+]
+FLAGS = {1: "", 2: "S", 3: "FRS"}
+
+
+def payload(index: int) -> bytes:
+    return random.Random(index).randbytes(ATTACHMENTS[index][2])
+
+
+PAYLOADS = [payload(index) for index in range(len(ATTACHMENTS))]
+
+
+def message(number: int) -> bytes:
+    lines = [f"From: Ann <ann@example.org>", "To: Bob <bob@example.org>", f"Subject: Message {number}",
+             "Date: Wed, 4 Mar 2009 14:05:00 +0000", "MIME-Version: 1.0",
+             'Content-Type: multipart/mixed; boundary="b"', "", "--b", "Content-Type: text/plain; charset=utf-8", "",
+             f"Body of message {number}."]
+    for index, (owner, name, _) in enumerate(ATTACHMENTS):
+        if owner == number:
+            lines += ["--b", "Content-Type: application/octet-stream", "Content-Transfer-Encoding: base64",
+                      f'Content-Disposition: attachment; filename="{name}"', "",
+                      base64.encodebytes(PAYLOADS[index]).decode().strip()]
+    return ("\n".join(lines + ["--b--", ""])).encode()
+
+
+class Mailbox:
+    """One directory, made anew for each run at the same place, so that the texts of links are the same."""
+
+    def __init__(self, root: Path):
+        self.root, self.mail, self.saved = root, root / "Maildir", root / "Saved"
+        self.settings = root / "settings.ini"
+        self.originals = {number: message(number) for number in FLAGS}
+        self.rewritten: dict[int, bytes] = {}  # by message, from the run without a fault
+
+    def reset(self):
+        shutil.rmtree(self.root, ignore_errors=True)
+        for part in ("cur", "new", "tmp"):
+            (self.mail / part).mkdir(parents=True)
+        self.saved.mkdir()
+        for number, flags in FLAGS.items():
+            (self.mail / "cur" / f"12361755{number:02}.M{number}P1.host:2,{flags}").write_bytes(self.originals[number])
+        self.settings.write_text(SETTINGS.format(saved=self.saved))
+
+    def messages(self):
+        """Every visible message: path and bytes."""
+        for folder, _, names in os.walk(self.mail):
+            if os.path.basename(folder) in ("cur", "new"):
+                for name in names:
+                    path = Path(folder, name)
+                    yield path, path.read_bytes()
+
+    def files(self):
+        """Every saved file under a final name."""
+        for folder, _, names in os.walk(self.saved):
+            for name in names:
+                if not name.startswith("."):
+                    path = Path(folder, name)
+                    yield path, path.read_bytes()
+
+    def learn(self):
+        """After the run without a fault: what each message looks like when its attachments are gone."""
+        for _, content in self.messages():
+            self.rewritten[number_of(content)] = content
+
+    def broken_promises(self) -> list[str]:
+        """What is wrong right now, whatever was going on; empty when all is well."""
+        wrong = []
+        messages, files = list(self.messages()), list(self.files())
+        held = {part for _, content in messages for part in parts_of(content)}
+        held |= {content for _, content in files}
+        for index, (number, name, _) in enumerate(ATTACHMENTS):
+            if PAYLOADS[index] not in held:
+                wrong.append(f"attachment {name} of message {number} is lost")
+        for path, content in messages:
+            number = number_of(content)
+            if content not in (self.originals.get(number), self.rewritten.get(number)):
+                wrong.append(f"{path.name} is neither the original nor the complete rewrite")
+        for path, content in files:
+            if content not in PAYLOADS and content != b"another's":
+                wrong.append(f"{path.name} holds something else than a whole attachment ({len(content)} bytes)")
+        return wrong
+
+    def not_converged(self) -> list[str]:
+        """What a run without a fault, after one with, has left undone."""
+        wrong = self.broken_promises()
+        messages, files = list(self.messages()), list(self.files())
+        numbers = sorted(number_of(content) for _, content in messages)
+        if numbers != sorted(FLAGS):
+            wrong.append(f"the messages are {numbers}")
+        for path, content in messages:
+            if parts_of(content):
+                wrong.append(f"{path.name} still has attachments")
+            if path.name.rpartition(":2,")[2] != FLAGS[number_of(content)]:
+                wrong.append(f"{path.name} has other flags")
+        held = {content for _, content in files}
+        wrong += [f"attachment {index} is in no file" for index, content in enumerate(PAYLOADS) if content not in held]
+        for folder, _, names in os.walk(self.root):
+            hidden = [name for name in names if name.startswith(".quillfile") or name.startswith("quillfile,")]
+            wrong += [f"left over: {name}" for name in hidden]
+            if os.path.basename(folder) == "tmp" and names:
+                wrong.append(f"left over in tmp: {names}")
+        return wrong
+
+
+def number_of(content: bytes) -> int:
+    subject = email.message_from_bytes(content)["Subject"] or ""
+    return int(subject.rpartition(" ")[2]) if subject.startswith("Message ") else 0
+
+
+def parts_of(content: bytes) -> list[bytes]:
+    parts = email.message_from_bytes(content).walk()
+    return [part.get_payload(decode=True) for part in parts if part.get_filename()]
