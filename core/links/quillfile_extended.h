@@ -19,7 +19,7 @@ struct LinkPorts {
   EngineLog& log;
   LetterCase& letters;
   LinkedFiles& linkedFiles;
-  const PathRules& paths;
+  PathRules paths;
 };
 
 enum class CompareMode : std::int32_t { exact = 0, ignoring_case = 1 };

@@ -1,5 +1,7 @@
 #include "core/module/module.h"
 
+#include "core/commands/deleted_items.h"
+#include "core/commands/dispatch.h"
 #include "core/files/files.h"
 #include "core/files/frm_save_path.h"
 #include "core/files/manipulate_file_time.h"
@@ -7,22 +9,6 @@
 #include "core/settings/settings.h"
 
 namespace quillfile {
-namespace {
-
-class Untracked final : public Tracking, public DeletedItems {
- public:
-  void setExplorer(const Ref<Explorer>&) override {}
-  void MapUnderylingItem(const Ref<Inspector>&) override {}  // sic
-  void createLists() override {}
-  void releaseLists() override {}
-  void ClearExplorerItems() override {}
-  void ReleaseAllItemSlots() override {}
-  void resetPrompt() override {}
-  void HandleDeletedItemsFolderAdd(const Ref<Item>&) override {}
-};
-
-}  // namespace
-
 // In the order in which they need each other.
 struct Module::Rooms {
   explicit Rooms(const Platform& platform)
@@ -56,13 +42,34 @@ struct Module::Rooms {
                   .letters = platform.letters,
                   .trace = Trace{platform.log},
                   .paths = platform.paths}),
+        linkPorts{.services = platform.services,
+                  .log = platform.log,
+                  .letters = platform.letters,
+                  .linkedFiles = platform.linkedFiles,
+                  .paths = platform.paths},
+        linkCommands(linkPorts, platform.mailHelper, state.outlookApp),
+        tracking(platform.services, platform.log, state, dispatch),
+        responses(platform.services, state, tracking, linkCommands),
+        dispatch({.module = state,
+                  .settings = settings,
+                  .services = platform.services,
+                  .trace = Trace{platform.log}},
+                 responses),
+        deletedItems({.module = state,
+                      .settings = settings,
+                      .services = platform.services,
+                      .utilities = platform.utilities,
+                      .mailHelper = platform.mailHelper,
+                      .dialogs = platform.dialogs,
+                      .trace = Trace{platform.log}},
+                     linkPorts),
         api({.services = platform.services,
              .mailHelper = platform.mailHelper,
              .settings = settings,
              .trace = Trace{platform.log},
              .paths = platform.paths,
              .state = state,
-             .rooms = {.commands = commands, .tracking = untracked, .deletedItems = untracked}}) {}
+             .rooms = {.commands = commands, .tracking = tracking, .deletedItems = deletedItems}}) {}
 
   ModuleState state;
   SavingState savingState;
@@ -72,7 +79,12 @@ struct Module::Rooms {
   frmSavePath savePathForm;
   QuillfileRoutines saving;
   Commands commands;
-  Untracked untracked;
+  LinkPorts linkPorts;
+  LinkCommands linkCommands;
+  ItemTracking tracking;
+  Responses responses;
+  Dispatch dispatch;  // tracking hands the user's answers to it
+  DeletedItemsFolder deletedItems;
   CQuillfile api;
 };
 
