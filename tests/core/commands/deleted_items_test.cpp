@@ -48,8 +48,7 @@ class DeletedItemsTest : public testing::TestWithParam<PathRules> {
   Text deleted(TextView name) const { return fill(u"delete file {}", text.path(name)); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Rules, DeletedItemsTest, testing::Values(PathRules::windows(), PathRules::posix()),
-                         rulesName);
+INSTANTIATE_TEST_SUITE_P(Rules, DeletedItemsTest, bothRules(), rulesName);
 
 TEST_P(DeletedItemsTest, ANoLetsAnEarlierYesForTheSameMailStand) {
   select(1);

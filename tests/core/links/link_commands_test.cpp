@@ -42,8 +42,7 @@ class LinkCommand : public testing::TestWithParam<PathRules> {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Rules, LinkCommand, testing::Values(PathRules::windows(), PathRules::posix()),
-                         rulesName);
+INSTANTIATE_TEST_SUITE_P(Rules, LinkCommand, bothRules(), rulesName);
 
 TEST_P(LinkCommand, AForwardOfTwoPlainNotesGetsBothFilesAndLosesBothNotesAndTheirLineBreaks) {
   addFiles({u"a.pdf", u"b.pdf"});

@@ -1,9 +1,7 @@
 // Paths, and the notes that the saving engine writes for them, under either system's rules.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include "core/platform/path_rules.h"
+#include "tests/fakes/both_rules.h"
 
 namespace quillfile {
 
@@ -18,9 +16,5 @@ struct LinkTexts {
     return fill(u"<p>Attachment saved to <a href=\"{}\">{}</a></p>", link(name), link(name));
   }
 };
-
-inline std::string rulesName(const testing::TestParamInfo<PathRules>& rules) {
-  return rules.param.drives ? "Windows" : "Posix";
-}
 
 }  // namespace quillfile

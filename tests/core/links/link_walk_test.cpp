@@ -24,8 +24,7 @@ class LinkWalkTest : public testing::TestWithParam<PathRules> {
   void SetUp() override { world.log.isWanted = false; }
 };
 
-INSTANTIATE_TEST_SUITE_P(Rules, LinkWalkTest, testing::Values(PathRules::windows(), PathRules::posix()),
-                         rulesName);
+INSTANTIATE_TEST_SUITE_P(Rules, LinkWalkTest, bothRules(), rulesName);
 
 TEST_P(LinkWalkTest, NotesThatStandSideBySideAreAllAttachedAndGoneInEveryFormatAndOrder) {
   for (const TextView format : {u"TEXT", u"RTF", u"HTML"})

@@ -33,8 +33,7 @@ class LinkReader : public testing::TestWithParam<PathRules> {
   static Position end(TextView body) { return static_cast<Position>(body.size()); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Rules, LinkReader, testing::Values(PathRules::windows(), PathRules::posix()),
-                         rulesName);
+INSTANTIATE_TEST_SUITE_P(Rules, LinkReader, bothRules(), rulesName);
 
 TEST_P(LinkReader, APhraseThatALineBreakDividesIsFoundAndItsEndLiesOneFurther) {
   EXPECT_EQ(inStr(u"x Attachment saved to y", false), 3);

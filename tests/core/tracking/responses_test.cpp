@@ -20,8 +20,7 @@ class ResponsesTest : public testing::TestWithParam<PathRules> {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Rules, ResponsesTest, testing::Values(PathRules::windows(), PathRules::posix()),
-                         rulesName);
+INSTANTIATE_TEST_SUITE_P(Rules, ResponsesTest, bothRules(), rulesName);
 
 TEST_P(ResponsesTest, AForwardGetsItsFilesIsStoredInDraftsAndOpenedFromThere) {
   world.files.add(text.path(u"a.pdf"));

@@ -43,7 +43,7 @@ class RecordingActions : public ItemActions {
     return true;
   }
   std::int32_t CloseItem(const Ref<Item>& item) override {
-    record_.did(item ? TextView{u"CloseItem(item)"} : TextView{u"CloseItem(Nothing)"});
+    record_.did(item ? u"CloseItem(item)" : u"CloseItem(Nothing)");
     if (closeFails) throw Failure{5, u"CloseItem failed"};
     return closeAnswer;
   }
