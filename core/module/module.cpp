@@ -92,6 +92,7 @@ Module::Module(const Platform& platform) : rooms_(std::make_unique<Rooms>(platfo
 Module::~Module() = default;
 
 CQuillfile& Module::api() { return rooms_->api; }
+ItemLists& Module::lists() { return rooms_->tracking.lists(); }
 const RunCounter& Module::counter() const { return rooms_->savingState.counter; }
 
 }  // namespace quillfile

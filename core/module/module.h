@@ -1,5 +1,5 @@
-// Module: the whole module put together over a platform's ports. A host makes one, gives its api() to the engine,
-// and keeps it until after CEShutdown.
+// Module: the whole module put together over a platform's ports. A host makes one, gives its api() to the
+// engine, and keeps it until after CEShutdown.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include "core/module/quillfile.h"
 #include "core/platform/platform.h"
 #include "core/saving/saving_engine.h"
+#include "core/tracking/item_lists.h"
 
 namespace quillfile {
 
@@ -19,6 +20,7 @@ class Module {
   Module& operator=(const Module&) = delete;
 
   CQuillfile& api();
+  ItemLists& lists();                 // what the user saved by hand, for whoever wants to know
   const RunCounter& counter() const;  // of the run that is under way, or of the last one
 
  private:
