@@ -14,7 +14,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 from crash import power_cut, seeds  # noqa: E402
-from crash.mailbox import ATTACHMENTS, PAYLOADS, Mailbox, parts_of  # noqa: E402
+from crash.mailbox import MANY, THREE, Mailbox, parts_of  # noqa: E402
 from crash.program import Program, build_shim  # noqa: E402
 
 SKIP = 77
@@ -26,11 +26,11 @@ FAULTS = {"kill": None, "eio": None, "enospc": None, "torn": "write", "short": "
 
 
 def held_by_path(mailbox) -> dict:
-    held = {}
+    held, number = {}, {content: index for index, content in enumerate(mailbox.payloads)}
     for path, content in mailbox.messages():
-        held[str(path)] = {PAYLOADS.index(part) for part in parts_of(content) if part in PAYLOADS}
+        held[str(path)] = {number[part] for part in parts_of(content) if part in number}
     for path, content in mailbox.files():
-        held[str(path)] = {PAYLOADS.index(content)} if content in PAYLOADS else set()
+        held[str(path)] = {number[content]} if content in number else set()
     return held
 
 
@@ -44,7 +44,7 @@ def reference(program, mailbox, executable=None):
     calls = program.calls()
     if not mailbox.rewritten:
         mailbox.learn()
-    return calls, mailbox.not_converged() + power_cut.violations(calls, mailbox, held_by_path(mailbox), start, len(ATTACHMENTS))
+    return calls, mailbox.not_converged() + power_cut.violations(calls, mailbox, held_by_path(mailbox), start)
 
 
 def try_fault(program, mailbox, call, fault, executable=None) -> list[str]:
@@ -105,9 +105,13 @@ def main() -> int:
         if shim is None:
             print("skipped: there is no C compiler to build the shim with")
             return SKIP
-        mailbox = Mailbox(folder / "box")
+        many = Mailbox(folder / "box", **MANY)
+        calls, wrong = reference(Program(PROGRAM, shim, many), many)
+        print(f"power cuts modelled in a run of {len(many.flags)} messages: {len(calls)}", flush=True)
+        mailbox = Mailbox(folder / "box", **THREE)
         program = Program(PROGRAM, shim, mailbox)
-        calls, wrong = reference(program, mailbox)
+        calls, wrong_too = reference(program, mailbox)
+        wrong += wrong_too
         counted = Counter(call.name for call in calls if call.phase == "end")
         print(f"calls that change the disk: {sum(counted.values())}: {dict(counted)}", flush=True)
         if not wrong:

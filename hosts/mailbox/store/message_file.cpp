@@ -76,6 +76,11 @@ void MessageFile::forget(std::string_view range) const {
   if (begin < end) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
 }
 
-bool MessageFile::lock() { return ::flock(descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+// A message that has no name left was rewritten or deleted while this process waited to open it.
+bool MessageFile::lock() {
+  if (::flock(descriptor(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+  struct stat status {};
+  return ::fstat(descriptor(), &status) == 0 && status.st_nlink > 0;
+}
 
 }  // namespace quillfile::mailbox

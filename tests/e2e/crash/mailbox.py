@@ -1,4 +1,4 @@
-"""A mailbox of three messages with four attachments, and what must be true of it at every instant."""
+"""A mailbox of a few messages with attachments, and what must be true of it at every instant."""
 import base64
 import email
 import os
@@ -18,51 +18,51 @@ ImitateOutlookFolders=0
 ErrorPrompt=0
 """
 
-ATTACHMENTS = [  # message, name, size
+THREE = {"attachments": [  # message, name, size
     (1, "report.pdf", 30_000),
     (2, "report.pdf", 300_000),
     (2, "photo.jpg", 700),
     (3, "notes.bin", 5_000),
-]
-FLAGS = {1: "", 2: "S", 3: "FRS"}
+], "flags": {1: "", 2: "S", 3: "FRS"}}
+
+# More than the program flushes at once, so that its groups overlap.
+MANY = {"attachments": [(n, "image.png", 300 + n) for n in range(1, 201)], "flags": {n: "" for n in range(1, 201)}}
 
 
-def payload(index: int) -> bytes:
-    return random.Random(index).randbytes(ATTACHMENTS[index][2])
-
-
-PAYLOADS = [payload(index) for index in range(len(ATTACHMENTS))]
-
-
-def message(number: int) -> bytes:
-    lines = [f"From: Ann <ann@example.org>", "To: Bob <bob@example.org>", f"Subject: Message {number}",
+def message(number: int, attachments: list) -> bytes:
+    lines = ["From: Ann <ann@example.org>", "To: Bob <bob@example.org>", f"Subject: Message {number}",
              "Date: Wed, 4 Mar 2009 14:05:00 +0000", "MIME-Version: 1.0",
              'Content-Type: multipart/mixed; boundary="b"', "", "--b", "Content-Type: text/plain; charset=utf-8", "",
              f"Body of message {number}."]
-    for index, (owner, name, _) in enumerate(ATTACHMENTS):
-        if owner == number:
-            lines += ["--b", "Content-Type: application/octet-stream", "Content-Transfer-Encoding: base64",
-                      f'Content-Disposition: attachment; filename="{name}"', "",
-                      base64.encodebytes(PAYLOADS[index]).decode().strip()]
+    for name, content in attachments:
+        lines += ["--b", "Content-Type: application/octet-stream", "Content-Transfer-Encoding: base64",
+                  f'Content-Disposition: attachment; filename="{name}"', "",
+                  base64.encodebytes(content).decode().strip()]
     return ("\n".join(lines + ["--b--", ""])).encode()
 
 
 class Mailbox:
     """One directory, made anew for each run at the same place, so that the texts of links are the same."""
 
-    def __init__(self, root: Path):
+    def __init__(self, root: Path, attachments: list, flags: dict):
+        self.attachments, self.flags = attachments, flags
+        self.payloads = [random.Random(index).randbytes(size) for index, (_, _, size) in enumerate(attachments)]
         self.root, self.mail, self.saved = root, root / "Maildir", root / "Saved"
         self.settings = root / "settings.ini"
-        self.originals = {number: message(number) for number in FLAGS}
+        self.originals = {number: message(number, self.of(number)) for number in flags}
         self.rewritten: dict[int, bytes] = {}  # by message, from the run without a fault
+
+    def of(self, number: int) -> list:
+        """A message's attachments: name and bytes."""
+        return [(name, self.payloads[index]) for index, (owner, name, _) in enumerate(self.attachments) if owner == number]
 
     def reset(self):
         shutil.rmtree(self.root, ignore_errors=True)
         for part in ("cur", "new", "tmp"):
             (self.mail / part).mkdir(parents=True)
         self.saved.mkdir()
-        for number, flags in FLAGS.items():
-            (self.mail / "cur" / f"12361755{number:02}.M{number}P1.host:2,{flags}").write_bytes(self.originals[number])
+        for number, flags in self.flags.items():
+            (self.mail / "cur" / f"1236175{number:03}.M{number}P1.host:2,{flags}").write_bytes(self.originals[number])
         self.settings.write_text(SETTINGS.format(saved=self.saved))
 
     def messages(self):
@@ -92,15 +92,15 @@ class Mailbox:
         messages, files = list(self.messages()), list(self.files())
         held = {part for _, content in messages for part in parts_of(content)}
         held |= {content for _, content in files}
-        for index, (number, name, _) in enumerate(ATTACHMENTS):
-            if PAYLOADS[index] not in held:
+        for index, (number, name, _) in enumerate(self.attachments):
+            if self.payloads[index] not in held:
                 wrong.append(f"attachment {name} of message {number} is lost")
         for path, content in messages:
             number = number_of(content)
             if content not in (self.originals.get(number), self.rewritten.get(number)):
                 wrong.append(f"{path.name} is neither the original nor the complete rewrite")
         for path, content in files:
-            if content not in PAYLOADS and content != b"another's":
+            if content not in self.payloads and content != b"another's":
                 wrong.append(f"{path.name} holds something else than a whole attachment ({len(content)} bytes)")
         return wrong
 
@@ -109,15 +109,15 @@ class Mailbox:
         wrong = self.broken_promises()
         messages, files = list(self.messages()), list(self.files())
         numbers = sorted(number_of(content) for _, content in messages)
-        if numbers != sorted(FLAGS):
+        if numbers != sorted(self.flags):
             wrong.append(f"the messages are {numbers}")
         for path, content in messages:
             if parts_of(content):
                 wrong.append(f"{path.name} still has attachments")
-            if path.name.rpartition(":2,")[2] != FLAGS[number_of(content)]:
+            if path.name.rpartition(":2,")[2] != self.flags[number_of(content)]:
                 wrong.append(f"{path.name} has other flags")
         held = {content for _, content in files}
-        wrong += [f"attachment {index} is in no file" for index, content in enumerate(PAYLOADS) if content not in held]
+        wrong += [f"attachment {index} is in no file" for index, content in enumerate(self.payloads) if content not in held]
         for folder, _, names in os.walk(self.root):
             hidden = [name for name in names if name.startswith(".quillfile") or name.startswith("quillfile,")]
             wrong += [f"left over: {name}" for name in hidden]

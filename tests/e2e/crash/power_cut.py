@@ -47,7 +47,7 @@ def visible(path: str) -> bool:
     return not parts[-1].startswith(".") and "tmp" not in parts[-2:-1]
 
 
-def violations(calls, mailbox, holds_at_end, holds_at_start, attachments) -> list[str]:
+def violations(calls, mailbox, holds_at_end, holds_at_start) -> list[str]:
     """Promises that a power cut at some call would have broken. `holds_…`: path -> numbers of the attachments."""
     disk, wrong = Disk(), []
     for path, held in holds_at_start.items():
@@ -57,7 +57,7 @@ def violations(calls, mailbox, holds_at_end, holds_at_start, attachments) -> lis
 
     def check(call):
         kept = {a for path, file in disk.certain.items() if file.durable and visible(path) for a in file.holds}
-        for attachment in sorted(set(range(attachments)) - kept):
+        for attachment in sorted(set(range(len(mailbox.attachments))) - kept):
             wrong.append(f"a power cut after call {call.number} ({call.name} {call.path}) loses attachment {attachment}")
 
     for call in calls:

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -349,6 +351,77 @@ TEST_F(BatchTest, TheTemporaryFilesOfARunThatWasStoppedAreSwept) {
   batch.commit();
   EXPECT_EQ(namesIn(saved),
             (std::set<std::string>{".quillfile-" + std::to_string(::getppid()) + "-1.part", "a.pdf"}));
+}
+
+TEST_F(BatchTest, GroupsThatOverlapDoAllTheirMessages) {
+  constexpr int count = 60;
+  for (int i = 0; i < count; ++i) deliver(std::to_string(200 + i) + ".b.host:2,", "with attachment");
+  std::map<std::string, std::string> wanted;
+  {
+    Batch batch{reports, {.messages = 4}};
+    for (int i = 0; i < count; ++i) {
+      const std::string unique = std::to_string(200 + i) + ".b.host", text = std::to_string(i);
+      auto change =
+          rewriting(batch.files().save(batch.files().firstFreePath(saved, "a", ".txt"), bytes(text)), text);
+      change.unique = unique;
+      change.source = inbox->open(unique);
+      change.content = bytes("rewritten " + text);
+      wanted[batch.change(std::move(change)) + ":2,"] = "rewritten " + text;
+      batch.eventEnded();
+    }
+    batch.commit();
+  }
+  std::map<std::string, std::string> found;
+  for (const auto& name : messages()) found[name] = readFile(folder / ("Mail/cur/" + name));
+  EXPECT_EQ(found.extract("100.a.host:2,FS").mapped(), "with attachment");
+  EXPECT_EQ(found, wanted);
+  EXPECT_EQ(namesIn(saved).size(), std::size_t{count});
+  EXPECT_EQ(reports.lines.size(), std::size_t{2 * count});
+  EXPECT_EQ(namesIn(folder / "Mail/tmp"), std::set<std::string>{});
+}
+
+// In a process of its own, since what it does to itself stays.
+template <class Work>
+int inChild(Work&& work) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(work());
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(BatchTest, AFileThatDoesNotFitIsAFailureAndLeavesNothing) {
+  const int error = inChild([&] {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit most{.rlim_cur = 1000, .rlim_max = 1000};
+    ::setrlimit(RLIMIT_FSIZE, &most);
+    Batch batch{reports};
+    try {
+      batch.files().save(saved + "/a.pdf", bytes(std::string(5000, 'x')));
+    } catch (const Failure& failure) {
+      return static_cast<int>(failure.number);
+    }
+    return 0;
+  });
+  EXPECT_EQ(error, EFBIG);
+  EXPECT_EQ(namesIn(saved), std::set<std::string>{});
+}
+
+TEST_F(BatchTest, AFolderThatMayNotBeWrittenToIsAFailure) {
+  if (::getuid() != 0) GTEST_SKIP() << "needs root, to become somebody else";
+  ::chmod(folder.path().c_str(), 0755);
+  const int error = inChild([&] {
+    if (::setuid(65534) != 0) return 0;
+    Batch batch{reports};
+    EXPECT_FALSE(batch.files().makeFolder(saved + "/x"));
+    try {
+      batch.files().save(saved + "/a.pdf", bytes("abc"));
+    } catch (const Failure& failure) {
+      return static_cast<int>(failure.number);
+    }
+    return 0;
+  });
+  EXPECT_EQ(error, EACCES);
 }
 
 class LeftoversTest : public BatchTest {

@@ -228,6 +228,13 @@ TEST_F(MailFolderTest, AMessageIsHandledByOneAtATime) {
   EXPECT_FALSE(second->lock());
 }
 
+TEST_F(MailFolderTest, AMessageThatIsGoneCannotBeTaken) {
+  const auto message = inbox->open("100.a.host");
+  inbox->erase("100.a.host");
+  EXPECT_FALSE(message->lock());
+  EXPECT_EQ(message->bytes(), "first");
+}
+
 TEST_F(MailFolderTest, WhatIsNoRegularFileIsAFailure) {
   ASSERT_EQ(::mkfifo((dir / "cur/300.fifo:2,").c_str(), 0600), 0);
   std::filesystem::create_symlink("/dev/zero", dir / "cur/301.device:2,");
