@@ -17,7 +17,7 @@ bool QuillfileRoutines::CheckForAttachments(const SaveRequest& request) {
     const auto type = item->typeName();
     if (type != u"MailItem" && type != u"PostItem") return false;
     at(3);
-    ports_.trace(name, u"Attachment Count: {}", [&] { return item->attachments()->count(); });
+    ports_.trace(name, u"Attachment Count: {}", [&] { return request.item->attachments()->count(); });
     ports_.trace(name, u"Save Path: {}", savePath);
     at(4);
     const bool sendRemove = isSent && settings.flag(u"SendRemoveAttachments");
