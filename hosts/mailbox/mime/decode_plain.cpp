@@ -5,33 +5,52 @@
 namespace quillfile::mime {
 namespace {
 
-int sixBits(char c) {
-  if (c >= 'A' && c <= 'Z') return c - 'A';
-  if (c >= 'a' && c <= 'z') return c - 'a' + 26;
-  if (c >= '0' && c <= '9') return c - '0' + 52;
-  return c == '+' ? 62 : c == '/' ? 63 : -1;
-}
+enum : unsigned char { blank = 64, pad = 65, other = 66 };  // beside the values 0 to 63 of the digits
+
+struct Kinds {
+  unsigned char of[256];
+
+  constexpr Kinds() : of{} {
+    for (int c = 0; c < 256; ++c) {
+      const bool upper = c >= 'A' && c <= 'Z', lower = c >= 'a' && c <= 'z', number = c >= '0' && c <= '9';
+      const int value = upper ? c - 'A' : lower ? c - 'a' + 26 : number ? c - '0' + 52 : other;
+      of[c] = static_cast<unsigned char>(value);
+    }
+    of[static_cast<int>('+')] = 62;
+    of[static_cast<int>('/')] = 63;
+    of[static_cast<int>('=')] = pad;
+    for (const char c : {'\r', '\n', ' ', '\t'}) of[static_cast<int>(c)] = blank;
+  }
+};
+constexpr Kinds kinds;
 
 // Groups of four digits with line ends and blanks anywhere between them; a padded group is the last one.
 bool plainBase64(std::string_view encoded, std::string& out) {
-  int group[4];
-  int digits = 0, pads = 0;
-  bool ended = false;
+  out.resize(encoded.size() / 4 * 3 + 3);
+  std::size_t size = 0;
+  unsigned bits = 0, digits = 0, pads = 0;
   for (const char c : encoded) {
-    if (c == '\r' || c == '\n' || c == ' ' || c == '\t') continue;
-    const bool pad = c == '=';
-    if (ended || (pad && digits < 2) || (!pad && (pads > 0 || sixBits(c) < 0))) return false;
-    group[digits++] = pad ? 0 : sixBits(c);
-    pads += pad;
-    if (digits < 4) continue;
-    const int bits = group[0] * 262144 + group[1] * 4096 + group[2] * 64 + group[3];
-    out += static_cast<char>(bits / 65536);
-    if (pads < 2) out += static_cast<char>(bits / 256 % 256);
-    if (pads < 1) out += static_cast<char>(bits % 256);
-    ended = pads > 0;
-    digits = 0;
+    const auto kind = kinds.of[static_cast<unsigned char>(c)];
+    if (kind == blank) continue;
+    if (kind == other || (kind == pad && (digits < 2 || digits + pads == 4)) || (kind < blank && pads > 0))
+      return false;
+    if (kind == pad) {
+      ++pads;
+      continue;
+    }
+    bits = bits * 64 + kind;
+    if (++digits < 4) continue;
+    out[size] = static_cast<char>(bits / 65536);
+    out[size + 1] = static_cast<char>(bits / 256 % 256);
+    out[size + 2] = static_cast<char>(bits % 256);
+    size += 3;
+    bits = digits = 0;
   }
-  return digits == 0;
+  if (digits == 3)
+    out[size++] = static_cast<char>(bits / 1024), out[size++] = static_cast<char>(bits / 4 % 256);
+  if (digits == 2) out[size++] = static_cast<char>(bits / 16);
+  out.resize(size);
+  return digits == 0 || digits + pads == 4;
 }
 
 int hexDigit(char c) {
@@ -65,7 +84,6 @@ bool plainQuotedPrintable(std::string_view encoded, std::string& out) {
 
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded) {
   std::string out;
-  out.reserve(encoded.size());
   const bool exact = encoding == Encoding::base64             ? plainBase64(encoded, out)
                      : encoding == Encoding::quoted_printable ? plainQuotedPrintable(encoded, out)
                                                               : false;
