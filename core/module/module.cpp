@@ -93,6 +93,7 @@ Module::~Module() = default;
 
 CQuillfile& Module::api() { return rooms_->api; }
 ItemLists& Module::lists() { return rooms_->tracking.lists(); }
+QuillfileRoutines& Module::saving() { return rooms_->saving; }
 const RunCounter& Module::counter() const { return rooms_->savingState.counter; }
 
 }  // namespace quillfile

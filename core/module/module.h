@@ -6,7 +6,7 @@
 
 #include "core/module/quillfile.h"
 #include "core/platform/platform.h"
-#include "core/saving/saving_engine.h"
+#include "core/saving/quillfile_routines.h"
 #include "core/tracking/item_lists.h"
 
 namespace quillfile {
@@ -21,6 +21,7 @@ class Module {
 
   CQuillfile& api();
   ItemLists& lists();                 // what the user saved by hand, for whoever wants to know
+  QuillfileRoutines& saving();        // its procedures one by one
   const RunCounter& counter() const;  // of the run that is under way, or of the last one
 
  private:
