@@ -56,6 +56,7 @@ Splice::Splice(const Edit& edit)
   if (plan_ == Plan::is_wrapped) beginWrap();
   for (const auto& [part, text] : texts_) changeText(part, text);
   for (const auto part : edit_.removed_) removePart(part);
+  closeEmptied();
   if (plan_ == Plan::is_wrapped) endWrap();
   changeHeader();
   changes_.insert(changes_.begin(), headerChanges_.begin(), headerChanges_.end());
@@ -153,6 +154,21 @@ void Splice::removePart(PartIndex part) {
   Pieces instead;
   if (takesLineEnd) append(instead, lineEndFor(whole.end));
   changes_.push_back({whole, std::move(instead)});
+}
+
+// A multipart that an outer boundary line ended, without a closing line of its own, gets one when its last
+// part goes: else not a boundary line would be left to tell that it is a multipart.
+void Splice::closeEmptied() {
+  for (PartIndex part = 0; part < tree_.size() && !edit_.removed_.empty(); ++part) {
+    const auto closing = tree_[part].closing;
+    if (tree_[part].kind != PartKind::multipart || !closing.empty() || edit_.removes(part)) continue;
+    const auto children = tree_.children(part);
+    const bool emptied = std::all_of(children.begin(), children.end(),
+                                     [&](PartIndex child) { return edit_.removed_.contains(child); });
+    if (!emptied) continue;
+    const auto boundary = std::string{trimmed(*tree_.type(part).parameters.bytes("boundary"))};
+    changes_.push_back({closing, {lineEnd_ + "--" + boundary + "--" + lineEndFor(closing.begin)}});
+  }
 }
 
 void Splice::changeHeader() {

@@ -37,6 +37,7 @@ class Splice {
   void replaceRoot();
   void changeText(PartIndex part, const TextPart& text);
   void removePart(PartIndex part);
+  void closeEmptied();
   void changeHeader();
   void setField(const std::string& name, TextView value);
 

@@ -79,6 +79,16 @@ TEST(Edit, KeepsTheLineEndBeforeABoundaryLineThatHasNoneOfItsOwn) {
             "Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n\n--b--\n");
 }
 
+TEST(Edit, ClosesAMultipartThatHadNoClosingLineWhenItsLastPartGoes) {
+  const std::string original =
+      "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
+      "--i\nContent-Type: image/png\n\nx\n--o--\n";
+  EXPECT_EQ(
+      rewritten(original, [](Edit& edit) { edit.remove(2); }),
+      "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
+      "\n--i--\n--o--\n");
+}
+
 TEST(Edit, PutsAnEmptyBodyInPlaceOfAMessageThatIsItselfAnAttachment) {
   const std::string original =
       "Subject: s\r\nContent-Type: image/png\r\nContent-Transfer-Encoding: base64\r\n\r\nQUJD\r\n";
