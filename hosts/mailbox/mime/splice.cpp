@@ -179,7 +179,9 @@ void Splice::changeHeader() {
   const auto end = tree_[0].header.end;
   const auto block = tree_.header(0).block();
   Pieces fields;
-  if (!block.empty() && !block.ends_with('\n')) append(fields, lineEnd_);
+  const bool lastFieldGoes = std::any_of(headerChanges_.begin(), headerChanges_.end(),
+                                         [&](const Change& change) { return change.cut.end == end; });
+  if (!block.empty() && !block.ends_with('\n') && !lastFieldGoes) append(fields, lineEnd_);
   append(fields, newFields_);
   headerChanges_.push_back({{end, end}, std::move(fields)});
   separate(0, headerChanges_);

@@ -181,6 +181,15 @@ TEST(Edit, ReplacesAFieldOfTheHeaderAndAddsANewOne) {
             "A: =?utf-8?B?w6Q=?=\nC: x  Injected: y\n\nbody");
 }
 
+TEST(Edit, ReplacesALastFieldThatHasNoLineEnd) {
+  EXPECT_EQ(rewritten("A: 1\nSubject: old",
+                      [](Edit& edit) {
+                        edit.setHeader("Subject", u"new");
+                        edit.setHeader("B", u"2");
+                      }),
+            "A: 1\nSubject: new\nB: 2\n\n");
+}
+
 TEST(Edit, ManagesMessagesWithoutHeaderBodyOrLineEnd) {
   const auto add = [](Edit& edit) { edit.add({.name = u"a", .description = {}, .content = content("ABC")}); };
   for (const std::string original :
