@@ -99,7 +99,14 @@ Message::Message(std::shared_ptr<MessageFile> file)
 Message::Message(std::string bytes)
     : own_(std::move(bytes)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {}
 
+Message::Message(std::shared_ptr<const Message> outer, mime::Range range)
+    : outer_(std::move(outer)),
+      offset_(range.begin),
+      tree_(mime::scan(range.of(outer_->bytes()))),
+      layout_(layoutOf(tree_)) {}
+
 mime::Behind Message::behind(mime::Range range) const {
+  if (outer_) return outer_->behind({offset_ + range.begin, offset_ + range.end});
   if (!file_) return {};
   return [file = file_.get(), bytes = range.of(file_->bytes())](std::size_t read) {
     file->forget(bytes.substr(0, read));

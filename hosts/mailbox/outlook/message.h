@@ -30,6 +30,8 @@ class Message {
  public:
   explicit Message(std::shared_ptr<MessageFile> file);
   explicit Message(std::string bytes);  // of a message that is in no folder yet
+  // The message that stands at `range` of another, which it keeps alive.
+  Message(std::shared_ptr<const Message> outer, mime::Range range);
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
@@ -37,7 +39,7 @@ class Message {
   const mime::PartTree& tree() const { return tree_; }
   const Layout& layout() const { return layout_; }
   mime::Header header() const { return tree_.header(0); }
-  const std::shared_ptr<MessageFile>& file() const { return file_; }  // null for own bytes
+  const std::shared_ptr<MessageFile>& file() const { return file_; }  // null for own and for outer bytes
 
   // Gives mapped pages back as `range` is read front to back; see mime::Behind.
   mime::Behind behind(mime::Range range) const;
@@ -47,6 +49,8 @@ class Message {
  private:
   std::shared_ptr<MessageFile> file_;
   std::string own_;
+  std::shared_ptr<const Message> outer_;
+  std::size_t offset_ = 0;  // of this message in the outer one
   mime::PartTree tree_;
   Layout layout_;
 };

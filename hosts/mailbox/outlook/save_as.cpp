@@ -2,12 +2,16 @@
 
 #include <algorithm>
 
+#include "hosts/mailbox/formats/msg/message_file.h"
+#include "hosts/mailbox/formats/tnef/tnef.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/client.h"
 #include "hosts/mailbox/outlook/draft_text.h"
 #include "hosts/mailbox/outlook/item.h"
+#include "hosts/mailbox/outlook/message_content.h"
 #include "hosts/mailbox/outlook/plain_text.h"
 #include "hosts/mailbox/services/failure.h"
+#include "hosts/mailbox/store/maildir_name.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -122,14 +126,31 @@ Content messageFile(MailboxItem& item) {
   };
 }
 
+// The item with its flags, as .msg and .tnef hold it.
+std::shared_ptr<const formats::MessageContent> fullContent(MailboxItem& item) {
+  auto content = std::make_shared<formats::MessageContent>(messageContent(item.message()));
+  content->unread = item.unRead();
+  const auto location = item.isNew() ? std::nullopt : item.folder()->find(item.unique());
+  content->draft = item.isNew() || (location && hasFlag(parseMaildirName(location->fileName).flags, 'D'));
+  return content;
+}
+
+Content outlookMessageFile(MailboxItem& item) {
+  return [content = fullContent(item)](const Sink& sink) { formats::writeMessageFile(*content, sink); };
+}
+
+Content tnefStream(MailboxItem& item) {
+  return [content = fullContent(item)](const Sink& sink) { formats::writeTnef(*content, sink); };
+}
+
 struct Format {
   SaveAsType type;
   Content (*content)(MailboxItem& item);
 };
 constexpr Format formats[] = {
-    {SaveAsType::text, textFile},
-    {SaveAsType::html, page},
-    {SaveAsType::rfc822, messageFile},
+    {SaveAsType::text, textFile},      {SaveAsType::html, page},
+    {SaveAsType::rfc822, messageFile}, {SaveAsType::message, outlookMessageFile},
+    {SaveAsType::tnef, tnefStream},
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Saving an item as a file: the message's own bytes, or a text or a page that stands alone.
+// Saving an item as a file: the message's own bytes, a text or a page that stands alone, or the formats of
+// Outlook.
 #pragma once
 
 #include "core/platform/item.h"
