@@ -83,7 +83,8 @@ void Splice::extendMixed() {
   }
   if (!edit_.added_.empty()) {
     auto added = newParts({}, edit_.added_, boundary);
-    append(added, closing.empty() ? lineEnd_ + "--" + boundary + "--" + lineEnd_ : lineEndFor(closing.begin));
+    append(added,
+           closing.empty() ? lineEnd_ + "--" + boundary + "--" + lineEnd_ : lineEndIfMissing(closing.begin));
     changes_.push_back({{closing.begin, closing.begin}, std::move(added)});
   }
 }
@@ -232,12 +233,17 @@ std::string Splice::contentFields() const {
   return fields;
 }
 
-// The line end that has to stand before the boundary line at `at`, or the one that follows when parts are
-// removed there: none where it has its own, or where the message ends.
+// The line end that has to stand before what follows at `at`, or after the parts that are removed there: none
+// where that has its own, as parts that are added have, or where the message ends.
 std::string Splice::lineEndFor(std::size_t at) const {
   for (const auto part : edit_.removed_) {  // ascending, as the parts are
     if (tree_[part].whole().begin == at) at = tree_[part].whole().end;
   }
+  const bool addsHere = plan_ == Plan::is_extended && !edit_.added_.empty() && at == tree_[0].closing.begin;
+  return addsHere ? std::string{} : lineEndIfMissing(at);
+}
+
+std::string Splice::lineEndIfMissing(std::size_t at) const {
   return at < tree_.message().size() && !isLineEnd(tree_.message()[at]) ? lineEnd_ : std::string{};
 }
 

@@ -46,6 +46,7 @@ class Splice {
   std::string contentFields() const;
   void becomeMixed();
   std::string lineEndFor(std::size_t boundaryLine) const;
+  std::string lineEndIfMissing(std::size_t at) const;
   Pieces newParts(const Bodies& bodies, const std::vector<NewPart>& added, std::string_view boundary) const;
 
   const Edit& edit_;

@@ -89,6 +89,18 @@ TEST(Edit, ClosesAMultipartThatHadNoClosingLineWhenItsLastPartGoes) {
       "\n--i--\n--o--\n");
 }
 
+TEST(Edit, PutsOneLineEndOnlyBetweenARemovedPartAndAnAddedOne) {
+  const std::string original =
+      "Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n--b\nContent-Type: image/png\n\n--b--\n";
+  EXPECT_EQ(rewritten(original,
+                      [](Edit& edit) {
+                        edit.remove(2);
+                        edit.add({.name = {}, .type = "a/b", .description = {}, .content = content("ABC")});
+                      }),
+            "Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n--b\nContent-Type: a/b\n"
+            "Content-Transfer-Encoding: base64\nContent-Disposition: attachment\n\nQUJD\n--b--\n");
+}
+
 TEST(Edit, PutsAnEmptyBodyInPlaceOfAMessageThatIsItselfAnAttachment) {
   const std::string original =
       "Subject: s\r\nContent-Type: image/png\r\nContent-Transfer-Encoding: base64\r\n\r\nQUJD\r\n";
