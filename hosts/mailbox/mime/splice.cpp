@@ -51,12 +51,13 @@ Splice::Splice(const Edit& edit)
   for (const auto& [part, text] : edit_.texts_) {
     if (!edit_.removes(part)) texts_.emplace(part, rewrittenTextPart(tree_, part, text));
   }
-  if (plan_ == Plan::is_extended) extendMixed();
+  if (plan_ == Plan::is_extended) prependToMixed();
   if (plan_ == Plan::is_replaced) replaceRoot();
   if (plan_ == Plan::is_wrapped) beginWrap();
   for (const auto& [part, text] : texts_) changeText(part, text);
   for (const auto part : edit_.removed_) removePart(part);
   closeEmptied();
+  if (plan_ == Plan::is_extended) appendToMixed();
   if (plan_ == Plan::is_wrapped) endWrap();
   changeHeader();
   changes_.insert(changes_.begin(), headerChanges_.begin(), headerChanges_.end());
@@ -71,22 +72,27 @@ Splice::Plan Splice::choosePlan() const {
   return mixed ? Plan::is_extended : Plan::is_wrapped;
 }
 
-void Splice::extendMixed() {
-  const auto boundary = std::string{trimmed(*tree_.type(0).parameters.bytes("boundary"))};
+void Splice::prependToMixed() {
+  if (edit_.bodies_.empty()) return;
   const auto children = tree_.children(0);
+  const auto at = children.empty() ? tree_[0].closing.begin : tree_[children.front()].opening.begin;
+  auto bodies = newParts(edit_.bodies_, {}, boundaryOf(0));
+  append(bodies, lineEndFor(at));
+  changes_.push_back({{at, at}, std::move(bodies)});
+}
+
+// After all other changes, since some of them close multiparts at the same place.
+void Splice::appendToMixed() {
+  if (edit_.added_.empty()) return;
   const auto closing = tree_[0].closing;
-  const auto front = children.empty() ? closing.begin : tree_[children.front()].opening.begin;
-  if (!edit_.bodies_.empty()) {
-    auto bodies = newParts(edit_.bodies_, {}, boundary);
-    append(bodies, lineEndFor(front));
-    changes_.push_back({{front, front}, std::move(bodies)});
-  }
-  if (!edit_.added_.empty()) {
-    auto added = newParts({}, edit_.added_, boundary);
-    append(added,
-           closing.empty() ? lineEnd_ + "--" + boundary + "--" + lineEnd_ : lineEndIfMissing(closing.begin));
-    changes_.push_back({{closing.begin, closing.begin}, std::move(added)});
-  }
+  auto added = newParts({}, edit_.added_, boundaryOf(0));
+  append(added, closing.empty() ? lineEnd_ + "--" + boundaryOf(0) + "--" + lineEnd_
+                                : lineEndIfMissing(closing.begin));
+  changes_.push_back({{closing.begin, closing.begin}, std::move(added)});
+}
+
+std::string Splice::boundaryOf(PartIndex multipart) const {
+  return std::string{trimmed(*tree_.type(multipart).parameters.bytes("boundary"))};
 }
 
 void Splice::beginWrap() {
@@ -167,8 +173,7 @@ void Splice::closeEmptied() {
     const bool emptied = std::all_of(children.begin(), children.end(),
                                      [&](PartIndex child) { return edit_.removed_.contains(child); });
     if (!emptied) continue;
-    const auto boundary = std::string{trimmed(*tree_.type(part).parameters.bytes("boundary"))};
-    changes_.push_back({closing, {lineEnd_ + "--" + boundary + "--" + lineEndFor(closing.begin)}});
+    changes_.push_back({closing, {lineEnd_ + "--" + boundaryOf(part) + "--" + lineEndFor(closing.begin)}});
   }
 }
 

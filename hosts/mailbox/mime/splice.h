@@ -31,7 +31,8 @@ class Splice {
   enum class Plan { stays, is_extended, is_wrapped, is_replaced };
   Plan choosePlan() const;
 
-  void extendMixed();
+  void prependToMixed();
+  void appendToMixed();
   void beginWrap();
   void endWrap();
   void replaceRoot();
@@ -45,6 +46,7 @@ class Splice {
   void separate(PartIndex part, std::vector<Change>& changes) const;
   std::string contentFields() const;
   void becomeMixed();
+  std::string boundaryOf(PartIndex multipart) const;
   std::string lineEndFor(std::size_t boundaryLine) const;
   std::string lineEndIfMissing(std::size_t at) const;
   Pieces newParts(const Bodies& bodies, const std::vector<NewPart>& added, std::string_view boundary) const;

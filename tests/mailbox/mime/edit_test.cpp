@@ -101,6 +101,21 @@ TEST(Edit, PutsOneLineEndOnlyBetweenARemovedPartAndAnAddedOne) {
             "Content-Transfer-Encoding: base64\nContent-Disposition: attachment\n\nQUJD\n--b--\n");
 }
 
+TEST(Edit, ClosesAnEmptiedMultipartBeforeItAddsAPartBehindIt) {
+  const std::string original =
+      "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
+      "--i\nContent-Type: image/png\n\nx\n--o--\n";
+  EXPECT_EQ(
+      rewritten(original,
+                [](Edit& edit) {
+                  edit.remove(2);
+                  edit.add({.name = {}, .type = "a/b", .description = {}, .content = content("ABC")});
+                }),
+      "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
+      "\n--i--\n--o\nContent-Type: a/b\nContent-Transfer-Encoding: base64\n"
+      "Content-Disposition: attachment\n\nQUJD\n--o--\n");
+}
+
 TEST(Edit, PutsAnEmptyBodyInPlaceOfAMessageThatIsItselfAnAttachment) {
   const std::string original =
       "Subject: s\r\nContent-Type: image/png\r\nContent-Transfer-Encoding: base64\r\n\r\nQUJD\r\n";
