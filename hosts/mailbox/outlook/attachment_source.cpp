@@ -9,6 +9,7 @@
 
 #include "hosts/mailbox/mime/clean_name.h"
 #include "hosts/mailbox/mime/decode.h"
+#include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/media_type.h"
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/services/failure.h"
@@ -20,11 +21,6 @@ std::string withoutBrackets(std::string value) {
   if (value.size() >= 2 && value.front() == '<' && value.back() == '>')
     return value.substr(1, value.size() - 2);
   return value;
-}
-
-Text numberedName(std::int32_t number) {
-  const auto digits = decimal(number);
-  return u"ATT" + Text(5 - std::min<std::size_t>(5, digits.size()), u'0') + digits;
 }
 
 class PartSource final : public AttachmentSource {
@@ -146,6 +142,11 @@ class FileSource final : public AttachmentSource {
 
 }  // namespace
 
+Text numberedName(std::int32_t number) {
+  const auto digits = decimal(number);
+  return u"ATT" + Text(5 - std::min<std::size_t>(5, digits.size()), u'0') + digits;
+}
+
 std::shared_ptr<const AttachmentSource> partSource(std::shared_ptr<const Message> message,
                                                    mime::PartIndex part, std::int32_t number) {
   return std::make_shared<PartSource>(std::move(message), part, number);
@@ -157,8 +158,12 @@ std::shared_ptr<const AttachmentSource> fileSource(Text path, std::string bytesA
 
 AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message) {
   AttachmentSources sources;
-  for (const auto part : message->layout().attachments)
-    sources.push_back(partSource(message, part, static_cast<std::int32_t>(sources.size()) + 1));
+  for (const auto part : message->layout().attachments) {
+    const auto number = static_cast<std::int32_t>(sources.size()) + 1;
+    auto inside = containedIn(message, part, number);
+    if (inside.empty()) inside.push_back(partSource(message, part, number));
+    sources.insert(sources.end(), inside.begin(), inside.end());
+  }
   return sources;
 }
 

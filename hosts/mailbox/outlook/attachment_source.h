@@ -37,6 +37,9 @@ using AttachmentSources = std::vector<std::shared_ptr<const AttachmentSource>>;
 std::shared_ptr<const AttachmentSource> partSource(std::shared_ptr<const Message> message,
                                                    mime::PartIndex part, std::int32_t number);
 
+// What an attachment without any name is called: "ATT00001".
+Text numberedName(std::int32_t number);
+
 // A file on disk. `bytesAt` is where its bytes are now, which is not `path` while the file waits for its
 // batch.
 std::shared_ptr<const AttachmentSource> fileSource(Text path, std::string bytesAt, Text displayName);

@@ -167,6 +167,7 @@ Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* fi
   if (file == nullptr && !ownIcon) return u"it has not been saved";
   if (file != nullptr && file->state == SavedFile::State::abandoned)
     return u"the file it was saved to is gone";
+  if (!source.part()) return u"it lies inside another attachment, which is kept whole";
   if (auto reason = message()->whyNothingMayGo(); !reason.empty()) return reason;
   if (const auto& open = message()->file(); open && !open->lock())
     return u"another program is working on the message";
