@@ -4,6 +4,7 @@ Asks file, msgconvert, tnef and ytnef, those of them that are installed, and com
 the TNEF streams of the corpus, taken apart by us and by tnef and ytnef.
 """
 import email
+import email.message
 import email.policy
 import hashlib
 import os
@@ -15,6 +16,7 @@ import sys
 import tempfile
 
 TOOL = pathlib.Path(os.environ.get("TOOLS", "")) / "formats_tool"
+PROGRAM = pathlib.Path(os.environ.get("QUILLFILE", ""))
 SKIPPED = 77
 SIZES = {"one.bin": 1, "small.txt": 4095, "sector.dat": 4096, "large.bin": 300_001, "b\u00e4r.pdf": 70_000}
 
@@ -152,6 +154,71 @@ def check_other_format(work, stream, wanted):
     assert digests(again) == wanted, stream.stem
 
 
+def mail(files):
+    """A message with an HTML body that shows a picture, the files, and a message in it."""
+    inner = email.message.EmailMessage(policy=email.policy.SMTP)
+    inner["Subject"] = "Within"
+    inner.set_content("inner\n")
+    message = email.message.EmailMessage(policy=email.policy.SMTP)
+    message["From"] = "Ada M\u00fcller <ada@example.org>"
+    message["To"] = "Bob <bob@example.org>"
+    message["Subject"] = "A report"
+    message["Date"] = "Sun, 13 Sep 2020 12:26:40 +0000"
+    message["Message-ID"] = "<e2e@example.org>"
+    message.set_content("Hello\n")
+    message.add_alternative("<p>Hello <img src='cid:p@x'></p>\n", subtype="html")
+    for path in files:
+        message.add_attachment(path.read_bytes(), maintype="application", subtype="octet-stream", filename=path.name)
+    message.add_attachment(inner)
+    return message.as_bytes()
+
+
+def filed(message):
+    """Names and digests of what has a name in a message, but for messages in it."""
+    return sorted((part.get_filename(), hashlib.sha256(part.get_payload(decode=True) or b"").hexdigest())
+                  for part in message.walk() if part.get_filename() and not part.get_filename().endswith(".eml")
+                  and part.get_content_maintype() != "message")
+
+
+def check_program(work, files):
+    """The program itself: the item saved in both formats, and what it saved imported again."""
+    if not PROGRAM.is_file():
+        print("skipped: the program was not built")
+        return
+    store, home, settings = work / "store", work / "home", work / "settings.ini"
+    for folder in (store / "cur", store / "new", store / "tmp", home):
+        folder.mkdir(parents=True)
+    original = mail(files)
+    (store / "cur" / "1600000000.M1P1.host:2,S").write_bytes(original)
+    settings.write_text("[Quillfile]\nSaveEmailsWanted=1\nSaveEmailsAs1=0\nSaveEmailsAs2=4\n")
+    quiet = {**os.environ, "HOME": str(home)}  # where the first run puts its folder for saved files
+    run(PROGRAM, "--mail", store, "--settings", settings, "save", env=quiet)
+    wanted = filed(email.message_from_bytes(original, policy=email.policy.default))
+    files_of = {ending: list(home.rglob("*" + ending)) for ending in (".msg", ".tnef")}
+    assert all(len(found) == 1 for found in files_of.values()), files_of
+    for ending, (path,) in files_of.items():
+        again = work / ("again" + ending)
+        for folder in ("cur", "new", "tmp"):
+            (again / folder).mkdir(parents=True)
+        run(PROGRAM, "--mail", again, "--settings", settings, "import", path, env=quiet)
+        (back,) = [file for file in again.rglob("*") if file.is_file() and file.parent.name in ("cur", "new")]
+        message = email.message_from_bytes(back.read_bytes(), policy=email.policy.default)
+        assert filed(message) == wanted, (ending, filed(message), wanted)
+        assert message["Subject"] == "A report" and message["Message-ID"] == "<e2e@example.org>"
+        inside = [part.get_content()["Subject"] for part in message.iter_attachments()
+                  if part.get_content_type() == "message/rfc822"]
+        assert inside == ["Within"], inside
+    if works("perl", "-MEmail::Outlook::Message", "-MEmail::Address", "-e", "1"):
+        run("msgconvert", "--outfile", work / "p.eml", files_of[".msg"][0])
+        theirs = email.message_from_bytes((work / "p.eml").read_bytes(), policy=email.policy.default)
+        assert filed(theirs) == wanted, (filed(theirs), wanted)
+    if shutil.which("tnef"):
+        (work / "p").mkdir()
+        run("tnef", "-C", work / "p", files_of[".tnef"][0])
+        # The message within it comes out of tnef as a stream of its own.
+        assert set(digest for _, digest in wanted) <= set(digests(work / "p"))
+
+
 def main():
     if not TOOL.exists():
         print("skipped: the program formats_tool was not built")
@@ -162,6 +229,7 @@ def main():
         check_message_file(work, files)
         check_tnef(work, files)
         check_own_readers(work)
+        check_program(work, files)
         check_corpus(work)
     return 0
 

@@ -48,7 +48,9 @@ class Import {
  private:
   bool takeDocument(const std::optional<formats::ReadMessage>& message) {
     if (!message) return false;
-    add([&](const formats::ByteSink& sink) { formats::writeRfc5322(message->content, sink); });
+    const std::string flags =
+        std::string(message->content.draft ? "D" : "") + (message->content.unread ? "" : "S");
+    add([&](const formats::ByteSink& sink) { formats::writeRfc5322(message->content, sink); }, flags);
     for (const Text& loss : formats::leftBehind(*message)) {
       imported_.problems.push_back(
           {.source = "Quillfile.Import", .message = file_ + ": " + toUtf8(loss), .level = 0});
@@ -56,8 +58,8 @@ class Import {
     return true;
   }
 
-  void add(const mailbox::Content& content) {
-    const std::string unique = folder_.create(content, "S");
+  void add(const mailbox::Content& content, const std::string& flags = "S") {
+    const std::string unique = folder_.create(content, flags);
     imported_.items.push_back({{"file", file_}, {"id", folder_.itemId(unique)}});
   }
 
