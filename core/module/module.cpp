@@ -94,6 +94,7 @@ Module::~Module() = default;
 CQuillfile& Module::api() { return rooms_->api; }
 ItemLists& Module::lists() { return rooms_->tracking.lists(); }
 QuillfileRoutines& Module::saving() { return rooms_->saving; }
+Responses& Module::responses() { return rooms_->responses; }
 const RunCounter& Module::counter() const { return rooms_->savingState.counter; }
 
 }  // namespace quillfile

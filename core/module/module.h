@@ -8,6 +8,7 @@
 #include "core/platform/platform.h"
 #include "core/saving/quillfile_routines.h"
 #include "core/tracking/item_lists.h"
+#include "core/tracking/responses.h"
 
 namespace quillfile {
 
@@ -22,6 +23,7 @@ class Module {
   CQuillfile& api();
   ItemLists& lists();                 // what the user saved by hand, for whoever wants to know
   QuillfileRoutines& saving();        // its procedures one by one
+  Responses& responses();             // the operations on Drafts that are offered to other components
   const RunCounter& counter() const;  // of the run that is under way, or of the last one
 
  private:
