@@ -31,6 +31,7 @@ Variant Object::invoke(const Text& name, WORD flags, VARIANT* arguments, UINT co
   DISPPARAMS params{.rgvarg = arguments, .rgdispidNamedArgs = nullptr, .cArgs = count, .cNamedArgs = 0};
   Variant result;
   EXCEPINFO info{};
+  SetErrorInfo(0, nullptr);              // what an earlier call left is not about this one
   const Ptr<IDispatch> alive = object_;  // the call may let other events run, which let go of this object
   const HRESULT outcome = object_->Invoke(find(name), IID_NULL, LOCALE_USER_DEFAULT, flags, &params,
                                           flags == DISPATCH_METHOD ? nullptr : result.out(), &info, nullptr);
@@ -44,6 +45,7 @@ void Object::put(const Text& name, const Variant& value) const {
   DISPPARAMS params{.rgvarg = &raw, .rgdispidNamedArgs = &named, .cArgs = 1, .cNamedArgs = 1};
   const WORD flags = raw.vt == VT_DISPATCH ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
   EXCEPINFO info{};
+  SetErrorInfo(0, nullptr);
   const Ptr<IDispatch> alive = object_;
   const DISPID member = find(name);
   HRESULT outcome =
@@ -57,10 +59,14 @@ void Object::put(const Text& name, const Variant& value) const {
 }
 
 Text Object::typeName() const {
+  if (!object_) raise(E_POINTER);
+  SetErrorInfo(0, nullptr);
   Ptr<ITypeInfo> info;
+  const HRESULT described = object_->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out());
+  if (described == E_NOTIMPL || described == DISP_E_BADINDEX) return {};  // it has no description
+  check(described);
   Bstr name;
-  if (!object_ || FAILED(object_->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out())) || !info) return {};
-  if (FAILED(info->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr))) return {};
+  check(info->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr));
   const TextView text = textOf(name.get());
   return Text{startsWith(text, u"_") ? text.substr(1) : text};
 }

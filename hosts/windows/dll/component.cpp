@@ -20,12 +20,6 @@ Text optionalText(const VARIANT& value) {
   return text;
 }
 
-HRESULT unanswered(VARIANT_BOOL* result) {
-  if (result == nullptr) return E_POINTER;
-  *result = VARIANT_FALSE;
-  return E_NOTIMPL;
-}
-
 class Component final : public Implements<Dual<::ICQuillfile>, Dual<::IModuleAPI>, ISupportErrorInfo> {
  public:
   // ---- IModuleAPI ----
@@ -93,21 +87,23 @@ class Component final : public Implements<Dual<::ICQuillfile>, Dual<::IModuleAPI
   }
 
   // ---- ICQuillfile ----
-  HRESULT STDMETHODCALLTYPE AddToPendingList(BSTR, VARIANT_BOOL* result) override {
-    return unanswered(result);
+  HRESULT STDMETHODCALLTYPE AddToPendingList(BSTR slot, VARIANT_BOOL* result) override {
+    return booleanEntry(result, [&] { return lists().AddToPendingList(textOf(slot)); });
   }
-  HRESULT STDMETHODCALLTYPE IsOnPendingList(BSTR, VARIANT_BOOL* result) override {
-    return unanswered(result);
+  HRESULT STDMETHODCALLTYPE IsOnPendingList(BSTR slot, VARIANT_BOOL* result) override {
+    return booleanEntry(result, [&] { return lists().IsOnPendingList(textOf(slot)); });
   }
-  HRESULT STDMETHODCALLTYPE AddToUserSavedList(BSTR, VARIANT_BOOL* result) override {
-    return unanswered(result);
+  HRESULT STDMETHODCALLTYPE AddToUserSavedList(BSTR entryId, VARIANT_BOOL* result) override {
+    return booleanEntry(result, [&] { return lists().AddToUserSavedList(textOf(entryId)); });
   }
-  HRESULT STDMETHODCALLTYPE IsOnUserSavedList(BSTR, VARIANT_BOOL* result) override {
-    return unanswered(result);
+  HRESULT STDMETHODCALLTYPE IsOnUserSavedList(BSTR entryId, VARIANT_BOOL* result) override {
+    return booleanEntry(result, [&] { return lists().IsOnUserSavedList(textOf(entryId)); });
   }
-  HRESULT STDMETHODCALLTYPE PurgePendingList() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE DeleteFromDrafts(BSTR, VARIANT_BOOL* result) override {
-    return unanswered(result);
+  HRESULT STDMETHODCALLTYPE PurgePendingList() override {
+    return entry([&] { lists().PurgePendingList(); });
+  }
+  HRESULT STDMETHODCALLTYPE DeleteFromDrafts(BSTR entryId, VARIANT_BOOL* result) override {
+    return booleanEntry(result, [&] { return host_.module().responses().DeleteFromDrafts(textOf(entryId)); });
   }
 
   // ---- ISupportErrorInfo ----
@@ -120,6 +116,7 @@ class Component final : public Implements<Dual<::ICQuillfile>, Dual<::IModuleAPI
     return iid == IID_IDispatch ? static_cast<::ICQuillfile*>(this) : nullptr;  // the default interface
   }
   quillfile::IModuleAPI& api() { return host_.module().api(); }
+  ItemLists& lists() { return host_.module().lists(); }
 
   Host host_;
 };
