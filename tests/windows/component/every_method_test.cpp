@@ -1,12 +1,9 @@
 // Every method of every interface, once early-bound and once late-bound.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <memory>
-#include <thread>
-
 #include "hosts/windows/com/bstr.h"
-#include "tests/windows/fakes/engine_world.h"
+#include "tests/windows/fakes/com_world.h"
+#include "tests/windows/fakes/desktop.h"
 
 namespace quillfile::windows {
 namespace {
@@ -16,33 +13,15 @@ class EveryMethod : public testing::Test {
   EveryMethod() {
     world_.set(u"SaveAllAttachments", u"1");
     world_.create();
-    explorer_ = world_.outlook.explorer.get();
-    inspected_ = world_.outlook.inspector(world_.outlook.add({}));
-    item_ = world_.outlook.add({}).object;
-    box_ = std::make_unique<Boxes>();
   }
 
-  // The manual command ends in a message box.
-  struct Boxes {
-    Boxes()
-        : thread([this] {
-            while (!stop) {
-              if (const HWND box = FindWindowW(nullptr, L"Quillfile")) PostMessageW(box, WM_COMMAND, IDOK, 0);
-              Sleep(10);
-            }
-          }) {}
-    ~Boxes() {
-      stop = true;
-      thread.join();
-    }
-    std::atomic<bool> stop{false};
-    std::thread thread;
-  };
-
-  EngineWorld world_;
-  IDispatch* explorer_;
-  Fake inspected_, item_;
-  std::unique_ptr<Boxes> box_;
+  FakePlatform fakes_;
+  ComWorld world_{fakes_};
+  Desktop desktop_{fakes_.record};
+  const Ptr<IDispatch> explorer_ = world_.outlook.explorer(fakes_.explorer).object();
+  const Ptr<IDispatch> item_ = world_.outlook.item(fakes_.addItem({.subject = u"Invoices"})).object();
+  const Ptr<IDispatch> inspector_ =
+      world_.outlook.inspector(fakes_.openInspector(fakes_.addItem({.subject = u"Open"}))).object();
 };
 
 TEST_F(EveryMethod, OfIModuleAPIEarlyBound) {
@@ -56,13 +35,13 @@ TEST_F(EveryMethod, OfIModuleAPIEarlyBound) {
   };
   expect(0, [&](LONG* out) { return module.CEStartup(&engine, out); });
   expect(0, [&](LONG* out) { return module.CESendMessage(Bstr{u"RefreshHotkey"}.get(), out); });
-  expect(0, [&](LONG* out) { return module.CEExplorerOpen(explorer_, out); });
-  expect(0, [&](LONG* out) { return module.CEExplorerActivate(explorer_, out); });
-  expect(0, [&](LONG* out) { return module.CEExplorerDeactivate(explorer_, out); });
-  expect(0, [&](LONG* out) { return module.CEInspectorOpen(inspected_.get(), out); });
-  expect(0, [&](LONG* out) { return module.CEInspectorActivate(inspected_.get(), out); });
-  expect(0, [&](LONG* out) { return module.CEInspectorDeactivate(inspected_.get(), out); });
-  expect(0, [&](LONG* out) { return module.CEInspectorClose(inspected_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEExplorerOpen(explorer_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEExplorerActivate(explorer_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEExplorerDeactivate(explorer_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEInspectorOpen(inspector_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEInspectorActivate(inspector_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEInspectorDeactivate(inspector_.get(), out); });
+  expect(0, [&](LONG* out) { return module.CEInspectorClose(inspector_.get(), out); });
   expect(1, [&](LONG* out) { return module.CEButtonAction(2, none, out); });
   expect(1, [&](LONG* out) { return module.CEButtonAction(1, none, out); });
   expect(0, [&](LONG* out) { return module.CEMenuAction(1, none, out); });
@@ -70,14 +49,14 @@ TEST_F(EveryMethod, OfIModuleAPIEarlyBound) {
   expect(0, [&](LONG* out) {
     return module.CEItemEvent(1, item_.get(), none, Bstr{u"folder-6"}.get(), none, out);
   });
-  expect(0, [&](LONG* out) { return module.CEExplorerClose(explorer_, out); });
+  expect(0, [&](LONG* out) { return module.CEExplorerClose(explorer_.get(), out); });
   expect(0, [&](LONG* out) { return module.CEShutdown(out); });
 }
 
 TEST_F(EveryMethod, OfIModuleAPILateBound) {
   const Object module{world_.module.as<IDispatch>(IID_IModuleAPI)};
   Ptr<IDispatch> engine{world_.host.get()};
-  const Variant explorer{explorer_}, inspector = variant(inspected_), item = variant(item_);
+  const Variant explorer{explorer_}, inspector{inspector_}, item{item_};
 
   EXPECT_EQ(module.get(u"RegistryName").text(), u"Quillfile");
   EXPECT_EQ(module.get(u"FriendlyName").text(), u"Quillfile");
@@ -98,6 +77,40 @@ TEST_F(EveryMethod, OfIModuleAPILateBound) {
   EXPECT_EQ(module.call(u"CEItemEvent", 4, item, none, u"folder-6", u"store").number(), 0);
   EXPECT_EQ(module.call(u"CEExplorerClose", explorer).number(), 0);
   EXPECT_EQ(module.call(u"CEShutdown").number(), 0);
+}
+
+TEST_F(EveryMethod, OfICQuillfileEarlyBound) {
+  world_.start();
+  world_.openExplorer();
+  const auto lists = world_.module.as<::ICQuillfile>();
+  ASSERT_TRUE(lists);
+  VARIANT_BOOL result = VARIANT_FALSE;
+  EXPECT_EQ(lists->AddToPendingList(Bstr{u"m_olMailItem99"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_TRUE);
+  EXPECT_EQ(lists->IsOnPendingList(Bstr{u"m_olMailItem99"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_TRUE);
+  EXPECT_EQ(lists->AddToUserSavedList(Bstr{u"an id"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_FALSE);
+  EXPECT_EQ(lists->IsOnUserSavedList(Bstr{u"an id"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_TRUE);
+  EXPECT_EQ(lists->PurgePendingList(), S_OK);
+  EXPECT_EQ(lists->IsOnPendingList(Bstr{u"m_olMailItem99"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_FALSE);
+  EXPECT_EQ(lists->DeleteFromDrafts(Bstr{u"no such item"}.get(), &result), S_OK);
+  EXPECT_EQ(result, VARIANT_FALSE);
+}
+
+TEST_F(EveryMethod, OfICQuillfileLateBound) {
+  world_.start();
+  world_.openExplorer();
+  const Object lists = Object{world_.module.as<IDispatch>()};  // the default interface
+  EXPECT_TRUE(lists.call(u"AddToPendingList", u"m_olMailItem99").boolean());
+  EXPECT_TRUE(lists.call(u"IsOnPendingList", u"m_olMailItem99").boolean());
+  EXPECT_FALSE(lists.call(u"AddToUserSavedList", u"an id").boolean());
+  EXPECT_TRUE(lists.call(u"IsOnUserSavedList", u"an id").boolean());
+  lists.run(u"PurgePendingList");
+  EXPECT_FALSE(lists.call(u"IsOnPendingList", u"m_olMailItem99").boolean());
+  EXPECT_FALSE(lists.call(u"DeleteFromDrafts", u"no such item").boolean());
 }
 
 }  // namespace

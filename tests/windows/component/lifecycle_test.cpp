@@ -3,75 +3,57 @@
 
 #include "core/platform/failure.h"
 #include "hosts/windows/com/bstr.h"
-#include "tests/windows/fakes/engine_world.h"
+#include "tests/fakes/transcript.h"
+#include "tests/windows/fakes/com_world.h"
 
 namespace quillfile::windows {
 namespace {
 
-Text textFrom(HRESULT (STDMETHODCALLTYPE ::IModuleAPI::*get)(BSTR*), ::IModuleAPI* module) {
-  Bstr text;
-  EXPECT_EQ((module->*get)(text.out()), S_OK);
-  return text.text();
+class Component : public testing::Test {
+ protected:
+  Component() { world_.set(u"SaveAllAttachments", u"1"); }
+
+  Text textFrom(HRESULT (STDMETHODCALLTYPE ::IModuleAPI::*get)(BSTR*)) {
+    Bstr text;
+    EXPECT_EQ((world_.module.get()->*get)(text.out()), S_OK);
+    return text.text();
+  }
+
+  FakePlatform fakes_;
+  ComWorld world_{fakes_};
+};
+
+TEST_F(Component, SaysWhatItIs) {
+  world_.create();
+  EXPECT_EQ(textFrom(&::IModuleAPI::get_RegistryName), u"Quillfile");
+  EXPECT_EQ(textFrom(&::IModuleAPI::get_FriendlyName), u"Quillfile");
+  EXPECT_EQ(textFrom(&::IModuleAPI::get_Version), fromUtf8(QUILLFILE_VERSION));
 }
 
-using Lines = std::vector<Text>;
+TEST_F(Component, HasTheButtonAddedToAnOpenedExplorer) {
+  world_.set(u"HotkeyEnabled", u"1");
+  world_.set(u"HotkeyMods", u"2");
 
-TEST(Component, ItSaysWhatItIs) {
-  EngineWorld world;
-  world.create();
-  EXPECT_EQ(textFrom(&::IModuleAPI::get_RegistryName, world.module.get()), u"Quillfile");
-  EXPECT_EQ(textFrom(&::IModuleAPI::get_FriendlyName, world.module.get()), u"Quillfile");
-  EXPECT_EQ(textFrom(&::IModuleAPI::get_Version, world.module.get()), fromUtf8(QUILLFILE_VERSION));
+  EXPECT_EQ(world_.start(), 0);
+  EXPECT_EQ(world_.openExplorer(), 0);
+
+  expectTranscript(fakes_.record.lines(),
+                   {u"prepare module collection Quillfile", u"watch monitored folders Corvane Quillfile",
+                    u"watch folder Deleted Items-id store-1", u"watch folder Sent Items-id store-1",
+                    u"add button Quillfile", u"register hotkey 2 114"});
+  EXPECT_EQ(fakes_.explorer->listeners.count(), 1u);  // the bridge to the automation object
 }
 
-TEST(Component, TheFirstStartWritesTheFirstRunsSettings) {
-  EngineWorld world;
-  wchar_t temp[MAX_PATH];
-  GetTempPathW(MAX_PATH, temp);
-  world.documents = fill(u"{}quillfile-first-run\\", view(temp));
-
-  EXPECT_EQ(world.start(), 0);
-
-  EXPECT_EQ(world.asked, Lines{u"PrepareModuleCollection Quillfile"});
-  EXPECT_EQ(world.errors, Lines{});
-  EXPECT_EQ(world.setting(u"SaveAllAttachments"), u"1");
-  EXPECT_EQ(world.setting(u"FolderName1"), u"Inbox");
-  EXPECT_EQ(world.setting(u"FolderEntryId1"), u"folder-6");
-  EXPECT_EQ(world.setting(u"FolderStoreId1"), u"store");
-  const Text saved = world.documents + u"Saved Attachments\\";
-  EXPECT_EQ(world.setting(u"SavePath"), saved);
-  EXPECT_NE(GetFileAttributesW(wide(saved)), INVALID_FILE_ATTRIBUTES);
-  RemoveDirectoryW(wide(saved));
-  RemoveDirectoryW(wide(world.documents));
-}
-
-TEST(Component, AnOpenedExplorerHasItsFoldersWatchedAndItsButton) {
-  EngineWorld world;
-  world.set(u"SaveAllAttachments", u"1");
-  world.set(u"HotkeyEnabled", u"1");
-  world.set(u"HotkeyMods", u"2");
-  world.start();
-  world.asked.clear();
-
-  EXPECT_EQ(world.openExplorer(), 0);
-
-  EXPECT_EQ(world.asked,
-            (Lines{u"WatchMonitoredFolders QuillfileWineTests Quillfile", u"WatchFolder folder-3 store",
-                   u"WatchFolder folder-5 store", u"AddButton Quillfile", u"RegisterHotkey 2 114"}));
-}
-
-TEST(Component, AFailureOfCEExplorerOpenReachesTheEarlyBoundCallerWithItsDescription) {
-  EngineWorld world;
-  world.set(u"SaveAllAttachments", u"1");
-  world.start();
-  world.host->on(u"AddButton", [](const Call&) -> Variant {
-    throw Failure{E_ACCESSDENIED, u"No buttons today"};
-  });
+TEST_F(Component, HandsAFailureOfCEExplorerOpenToTheEarlyBoundCaller) {
+  world_.start();
+  fakes_.record.failOn(u"ModuleHost.addButton", {E_ACCESSDENIED, u"No buttons today"});
 
   LONG result = -1;
-  const HRESULT outcome = world.module->CEExplorerOpen(world.outlook.explorer.get(), &result);
+  const HRESULT outcome =
+      world_.module->CEExplorerOpen(world_.outlook.explorer(fakes_.explorer).object().get(), &result);
 
   EXPECT_EQ(outcome, E_ACCESSDENIED);
+  EXPECT_EQ(result, 0);
   Ptr<IErrorInfo> info;
   ASSERT_EQ(GetErrorInfo(0, info.out()), S_OK);
   Bstr description, source;
@@ -81,15 +63,10 @@ TEST(Component, AFailureOfCEExplorerOpenReachesTheEarlyBoundCallerWithItsDescrip
   EXPECT_EQ(source.text(), u"Quillfile");
 }
 
-TEST(Component, AFailureOfCESendMessageReachesTheLateBoundCallerWithItsDescription) {
-  EngineWorld world;
-  world.set(u"SaveAllAttachments", u"1");
-  world.start();
-  world.host->on(u"RemoveButton", [](const Call&) -> Variant {
-    throw Failure{E_ACCESSDENIED, u"It is stuck"};
-  });
-
-  const Object late{world.module.as<IDispatch>(IID_IModuleAPI)};
+TEST_F(Component, HandsAFailureOfCESendMessageToTheLateBoundCaller) {
+  world_.start();
+  fakes_.record.failOn(u"ModuleHost.removeButton", {E_ACCESSDENIED, u"It is stuck"});
+  const Object late{world_.module.as<IDispatch>(IID_IModuleAPI)};
   try {
     late.call(u"CESendMessage", u"RefreshButton");
     FAIL() << "the failure was kept";
@@ -99,43 +76,63 @@ TEST(Component, AFailureOfCESendMessageReachesTheLateBoundCallerWithItsDescripti
   EXPECT_EQ(late.call(u"CESendMessage", u"refreshbutton").number(), 0);
 }
 
-TEST(Component, AnOutputThatIsMissingIsRefused) {
-  EngineWorld world;
-  world.create();
-  EXPECT_EQ(world.module->get_Version(nullptr), E_POINTER);
-  EXPECT_EQ(world.module->CEShutdown(nullptr), E_POINTER);
+TEST_F(Component, RefusesAMissingOutput) {
+  world_.create();
+  EXPECT_EQ(world_.module->get_Version(nullptr), E_POINTER);
+  EXPECT_EQ(world_.module->CEShutdown(nullptr), E_POINTER);
   LONG result = 0;
-  EXPECT_EQ(world.module->CEStartup(nullptr, &result), E_POINTER);
-  EXPECT_EQ(world.module->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+  EXPECT_EQ(world_.module->CEStartup(nullptr, &result), E_POINTER);
+  EXPECT_EQ(world_.module->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 }
 
-TEST(Component, StoppingTellsTheLogAndTheLibraryAndLetsGoOfEverything) {
-  const long before = liveObjects;
+TEST_F(Component, MakesAFreshLogObjectForEachLine) {
+  world_.start();
+  world_.openExplorer();
+  LONG result = 0;
+  world_.module->CEExplorerClose(nullptr, &result);
+  world_.module->CEExplorerClose(nullptr, &result);
+  EXPECT_EQ(world_.logsMade, 2);
+}
+
+TEST_F(Component, LetsGoOfEverythingWhenItStops) {
   {
-    EngineWorld world;
+    FakePlatform fakes;
+    ComWorld world{fakes};
     world.set(u"SaveAllAttachments", u"1");
     world.start();
     world.openExplorer();
-    world.asked.clear();
+    const auto explorer = world.outlook.explorer(fakes.explorer).object();
+    fakes.record.clear();
     EXPECT_EQ(world.stop(), 0);
-    EXPECT_EQ(world.asked, Lines{u"CleanUp"});
-    EXPECT_EQ(world.trace, Lines{u"Shutdown: Quillfile is stopping"});
-    EXPECT_EQ(world.outlook.explorer->listeners(explorerEventsId), 0u);
-    EXPECT_EQ(world.errors, Lines{});
+    expectTranscript(fakes.record.lines(),
+                     {u"trace Shutdown: Quillfile is stopping", u"mail helper: clean up"});
+    EXPECT_EQ(static_cast<Scripted*>(explorer.get())->listeners(explorerEventsId), 0u);
   }
-  EXPECT_EQ(liveObjects, before) << "fake objects that somebody still holds";
+  world_.module = {};
 }
 
-TEST(Component, TheLibraryCanBeUnloadedOnceTheComponentIsGone) {
-  EngineWorld world;
-  world.start();
+TEST(ComponentObjects, NoneIsLeftOnceTheWorldIsGone) {
+  const long before = liveObjects;
+  {
+    FakePlatform fakes;
+    ComWorld world{fakes};
+    world.set(u"SaveAllAttachments", u"1");
+    world.start();
+    world.openExplorer();
+    world.stop();
+  }
+  EXPECT_EQ(liveObjects, before);
+}
+
+TEST_F(Component, LetsItsLibraryBeUnloadedOnceItIsGone) {
+  world_.start();
   const HMODULE library = GetModuleHandleW(L"quillfile.dll");
   ASSERT_NE(library, nullptr);
   const auto canUnload = reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(
       reinterpret_cast<void*>(GetProcAddress(library, "DllCanUnloadNow")));
   EXPECT_EQ(canUnload(), S_FALSE);
-  world.stop();
-  world.module = {};
+  world_.stop();
+  world_.module = {};
   EXPECT_EQ(canUnload(), S_OK);
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "core/module/procedure.h"
-#include "hosts/windows/com/bstr.h"
+#include "hosts/windows/com/entry.h"
 #include "tests/windows/fakes/type_name.h"
 
 namespace quillfile::windows {
@@ -39,10 +39,14 @@ class Point final : public Implements<IConnectionPoint> {
   Sinks sinks_;
 };
 
+// A number of Windows's own goes as an HRESULT, any other as a Visual Basic error number.
 HRESULT refuse(EXCEPINFO* info, const Failure& failure) {
   if (info != nullptr) {
     *info = {};
-    info->scode = failure.number < 0 ? failure.number : E_FAIL;
+    if (failure.number < 0)
+      info->scode = failure.number;
+    else
+      info->wCode = static_cast<WORD>(failure.number);
     info->bstrSource = Bstr{u"Fake"}.detach();
     info->bstrDescription = Bstr{failure.description}.detach();
   }
@@ -66,13 +70,6 @@ Scripted& Scripted::onPut(const Text& name, std::function<void(const Variant&)> 
 }
 Scripted& Scripted::set(const Text& name, const Variant& value) { return member(name).value = value, *this; }
 
-Variant Scripted::value(const Text& name) const {
-  for (const auto& known : members_) {
-    if (known.name == name) return known.value;
-  }
-  return {};
-}
-
 bool Scripted::raise(const IID& events, DISPID event, std::vector<VARIANT> lastFirst) const {
   if (events != events_) return false;
   const auto sinks = *sinks_;  // a listener may leave while it is told
@@ -91,8 +88,7 @@ std::size_t Scripted::listeners(const IID& events) const { return events == even
 HRESULT Scripted::GetTypeInfoCount(UINT* count) { return *count = 1, S_OK; }
 
 HRESULT Scripted::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
-  *info = describeAs(fill(u"_{}", type_)).detach();
-  return S_OK;
+  return entry(info, [&] { return describeAs(fill(u"_{}", typeName_ ? typeName_() : type_)).detach(); });
 }
 
 HRESULT Scripted::GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) {
@@ -110,9 +106,7 @@ HRESULT Scripted::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params
   const Ptr<Scripted> alive{this};
   const Member about = members_[static_cast<std::size_t>(id) - 1];  // a copy: a method may add members
   const bool puts = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-  if (recorder_.called(type_, puts ? about.name + u"=" : about.name)) {
-    return refuse(info, {E_FAIL, u"The injected failure"});
-  }
+  counter_.called(type_, puts ? about.name + u"=" : about.name);
   try {
     if (!puts) {
       const Variant got = about.get ? about.get(Call{*params}) : about.value;
@@ -130,10 +124,11 @@ HRESULT Scripted::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params
 
 HRESULT Scripted::FindConnectionPoint(REFIID events, IConnectionPoint** point) {
   *point = nullptr;
-  if (recorder_.called(type_, u"FindConnectionPoint")) return CONNECT_E_NOCONNECTION;
   if (events != events_) return CONNECT_E_NOCONNECTION;
-  *point = Ptr<Point>::adopt(new Point{events, sinks_}).detach();
-  return S_OK;
+  return entry(point, [&] {
+    if (connecting_) connecting_();
+    return Ptr<Point>::adopt(new Point{events, sinks_}).detach();
+  });
 }
 
 }  // namespace quillfile::windows

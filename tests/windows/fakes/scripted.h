@@ -11,7 +11,7 @@
 
 #include "hosts/windows/com/implements.h"
 #include "hosts/windows/com/object.h"
-#include "tests/windows/fakes/recorder.h"
+#include "tests/windows/fakes/call_counter.h"
 
 namespace quillfile::windows {
 
@@ -32,13 +32,13 @@ class Scripted final : public Implements<IDispatch, IConnectionPointContainer> {
  public:
   using Method = std::function<Variant(const Call&)>;
 
-  Scripted(Recorder& recorder, TextView type) : recorder_(recorder), type_(type) {}
+  Scripted(CallCounter& counter, TextView type) : counter_(counter), type_(type) {}
 
   Scripted& on(const Text& name, Method method);  // a method, or a property that is computed
   Scripted& onPut(const Text& name, std::function<void(const Variant&)> setter);
   Scripted& set(const Text& name, const Variant& value);  // a property that keeps what is put
-  Variant value(const Text& name) const;                  // what such a property holds; not recorded
-  const Text& type() const { return type_; }
+  void onTypeName(std::function<Text()> name) { typeName_ = std::move(name); }  // instead of the type's own
+  void onConnect(std::function<void()> connecting) { connecting_ = std::move(connecting); }  // may throw
 
   // Raises an event on every sink of the connection point `events`. False when nobody listens.
   bool raise(const IID& events, DISPID event, std::vector<VARIANT> lastFirst) const;
@@ -62,8 +62,10 @@ class Scripted final : public Implements<IDispatch, IConnectionPointContainer> {
   };
   Member& member(const Text& name);
 
-  Recorder& recorder_;
+  CallCounter& counter_;
   Text type_;
+  std::function<Text()> typeName_;
+  std::function<void()> connecting_;
   std::vector<Member> members_;  // a member's number is its place, from 1
   IID events_{};
   std::shared_ptr<std::map<DWORD, Ptr<IDispatch>>> sinks_ =
@@ -71,7 +73,7 @@ class Scripted final : public Implements<IDispatch, IConnectionPointContainer> {
 };
 
 using Fake = Ptr<Scripted>;
-inline Fake fake(Recorder& recorder, TextView type) { return Fake::adopt(new Scripted{recorder, type}); }
+inline Fake fake(CallCounter& counter, TextView type) { return Fake::adopt(new Scripted{counter, type}); }
 inline Variant variant(const Fake& object) { return Variant{static_cast<IDispatch*>(object.get())}; }
 
 }  // namespace quillfile::windows

@@ -11,13 +11,12 @@ namespace quillfile::windows {
 
 class TemporaryFolder {
  public:
+  // Of a name that no other has.
   TemporaryFolder() {
-    Text temp(MAX_PATH, u'\0');
-    temp.resize(GetTempPathW(MAX_PATH, wide(temp)));
     static int number = 0;
-    path_ = fill(u"{}quillfile-{}-{}", temp, static_cast<std::int32_t>(GetCurrentProcessId()), ++number);
-    CreateDirectoryW(wide(path_), nullptr);
+    make(fill(u"quillfile-{}-{}", static_cast<std::int32_t>(GetCurrentProcessId()), ++number));
   }
+  explicit TemporaryFolder(const wchar_t* name) { make(view(name)); }
   ~TemporaryFolder() { empty(path_); }
 
   const Text& path() const { return path_; }
@@ -35,6 +34,12 @@ class TemporaryFolder {
   }
 
  private:
+  void make(TextView name) {
+    Text temp(MAX_PATH, u'\0');
+    temp.resize(GetTempPathW(MAX_PATH, wide(temp)));
+    path_ = fill(u"{}{}", temp, name);
+    CreateDirectoryW(wide(path_), nullptr);
+  }
   static void empty(const Text& folder) {
     WIN32_FIND_DATAW found;
     const HANDLE search = FindFirstFileW(wide(folder + u"\\*"), &found);
