@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/mailbox/formats/corpus.h"
+
 namespace quillfile::formats {
 namespace {
 
@@ -55,6 +57,25 @@ TEST(Mbox, KeepsLineEndsOfWindows) {
   const std::string mbox =
       "From a Sun Sep 13 12:26:40 2020\r\nA: 1\r\n\r\none\r\n\r\nFrom b 1:02\r\n\r\ntwo\r\n";
   EXPECT_EQ(messagesOf(mbox), (Messages{"A: 1\r\n\r\none\r\n", "\r\ntwo\r\n"}));
+}
+
+TEST(Mbox, SplitsAtLinesWithoutATimeBeforeAField) {
+  const std::string mbox =
+      "\xEF\xBB\xBF"
+      "From - \nA: 1\n\nFrom Russia with love\nYear: 1963\n\nFrom here\nwe go\nFrom 18@xxx\nA: 2\n\n";
+  EXPECT_TRUE(isMbox(mbox));
+  EXPECT_EQ(messagesOf(mbox),
+            (Messages{"A: 1\n\nFrom Russia with love\nYear: 1963\n\nFrom here\nwe go\n", "A: 2\n\n"}));
+}
+
+TEST(Mbox, FindsEveryMessageOfTheCorpus) {
+  const auto folder = corpusFolder("mimekit/mbox");
+  if (folder.empty()) GTEST_SKIP() << "the corpus is not here";
+  const auto count = [&](const char* name) { return messagesOf(contentsOf(folder / name)).size(); };
+  EXPECT_EQ(count("content-length.mbox.txt"), 29u);
+  EXPECT_EQ(count("issue1189.mbox.txt"), 4u);
+  EXPECT_EQ(count("simple.mbox.txt"), 3u);
+  EXPECT_EQ(count("unmunged.mbox.txt"), 2u);
 }
 
 TEST(Mbox, FindsNoMessageInOtherBytes) {

@@ -18,20 +18,41 @@ std::string_view lineAt(std::string_view bytes, std::size_t at) {
 bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 bool isBlank(std::string_view line) { return line == "\n" || line == "\r\n"; }
 
-// "From ada@example.org Sun Sep 13 12:26:40 2020": a sentence that begins "From " has no time of day.
-bool isFromLine(std::string_view line) {
-  if (!line.starts_with(kFrom)) return false;
-  for (std::size_t i = kFrom.size() + 1; i + 2 < line.size(); ++i) {
+// Whether a line begins with the name of a header field and a colon.
+bool isField(std::string_view line) {
+  const std::size_t colon = line.find(':');
+  if (colon == std::string_view::npos || colon == 0) return false;
+  for (const char byte : line.substr(0, colon)) {
+    if (byte <= ' ' || byte >= 0x7F) return false;
+  }
+  return true;
+}
+
+bool hasTime(std::string_view line) {
+  for (std::size_t i = 1; i + 2 < line.size(); ++i) {
     if (line[i] == ':' && isDigit(line[i - 1]) && isDigit(line[i + 1]) && isDigit(line[i + 2])) return true;
   }
   return false;
 }
 
+// "From ada@example.org Sun Sep 13 12:26:40 2020", after a blank line or before a field; or "From -" and the
+// like, one word, before a field. A sentence that begins "From " has more words and no time of day.
+bool isFromLine(std::string_view bytes, std::size_t at, bool afterBlank) {
+  const std::string_view line = lineAt(bytes, at);
+  if (!line.starts_with(kFrom)) return false;
+  const std::string_view rest = mime::trimmed(line.substr(kFrom.size()));
+  const bool beforeField = isField(lineAt(bytes, at + line.size()));
+  if (hasTime(rest)) return afterBlank || beforeField;
+  return beforeField && !rest.empty() && rest.find(' ') == std::string_view::npos;
+}
+
+std::size_t startOf(std::string_view bytes) { return bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0; }
+
 // Where the body begins: behind the first blank line.
 std::size_t bodyOf(std::string_view bytes, std::size_t start) {
   for (std::size_t at = start; at < bytes.size();) {
     const std::string_view line = lineAt(bytes, at);
-    if (isFromLine(line)) return at;
+    if (at > start && isFromLine(bytes, at, false)) return at;
     at += line.size();
     if (isBlank(line)) return at;
   }
@@ -50,17 +71,18 @@ std::optional<std::size_t> announcedEnd(std::string_view bytes, std::size_t star
     return std::nullopt;
   std::size_t next = end;
   while (next < bytes.size() && isBlank(lineAt(bytes, next))) next += lineAt(bytes, next).size();
-  if (next < bytes.size() && !isFromLine(lineAt(bytes, next))) return std::nullopt;
+  if (next < bytes.size() && !isFromLine(bytes, next, true)) return std::nullopt;
   return end;
 }
 
-// The start of the blank line before the next "From " line, or the end of the file without its last blank
-// line.
+// The start of the next "From " line, or of the blank line before it; else the end of the file without its
+// last blank line.
 std::size_t searchedEnd(std::string_view bytes, std::size_t body) {
   std::size_t blank = std::string_view::npos;
   for (std::size_t at = body; at < bytes.size();) {
     const std::string_view line = lineAt(bytes, at);
-    if (blank != std::string_view::npos && isFromLine(line)) return blank;
+    const bool afterBlank = blank != std::string_view::npos;
+    if (isFromLine(bytes, at, afterBlank)) return afterBlank ? blank : at;
     blank = isBlank(line) ? at : std::string_view::npos;
     at += line.size();
   }
@@ -74,17 +96,21 @@ bool hasFromLine(std::string_view body) {
 }
 
 std::size_t nextFromLine(std::string_view bytes, std::size_t at) {
-  while (at < bytes.size() && !isFromLine(lineAt(bytes, at))) at += lineAt(bytes, at).size();
+  for (bool afterBlank = true; at < bytes.size() && !isFromLine(bytes, at, afterBlank);) {
+    const std::string_view line = lineAt(bytes, at);
+    afterBlank = isBlank(line);
+    at += line.size();
+  }
   return at;
 }
 
 }  // namespace
 
-bool isMbox(std::string_view bytes) { return isFromLine(lineAt(bytes, 0)); }
+bool isMbox(std::string_view bytes) { return isFromLine(bytes, startOf(bytes), true); }
 
 std::vector<MboxMessage> splitMbox(std::string_view bytes) {
   std::vector<MboxMessage> result;
-  std::size_t at = nextFromLine(bytes, 0);
+  std::size_t at = nextFromLine(bytes, startOf(bytes));
   while (at < bytes.size()) {
     const std::size_t start = at + lineAt(bytes, at).size(), body = bodyOf(bytes, start);
     const auto announced = announcedEnd(bytes, start, body);
