@@ -20,6 +20,7 @@ bool firstRunAccepted(mailbox::Session& session, const Options& options) {
 
 int runSave(const Options& options) {
   const auto session = openSession(options);
+  session->cleanUp();  // before the items are looked up: it may take away one of two that are the same
   const auto folder = chosenFolder(*session, options);
   auto items = chosenItems(*session, folder, options.arguments);
   if (!firstRunAccepted(*session, options)) {
@@ -28,7 +29,6 @@ int runSave(const Options& options) {
         "RemoveAttachment 0\n");
     return not_all_done;
   }
-  session->cleanUp();
   session->start();
   session->select(folder, std::move(items));
   session->pressButton();

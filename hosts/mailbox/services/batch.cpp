@@ -92,7 +92,10 @@ void Batch::Group::nameFiles(const Flush& flush, SavedFiles& saved, BatchReports
     if (const int error = flush.error(file->file.get()); error != 0)
       fail(*file, fromErrno(error, "flush", file->path).description);
   }
-  for (const auto& change : changes) change->compareFiles();
+  for (const auto& change : changes)
+    for (const auto& file : change->compareFiles())
+      if (file->state == SavedFile::State::waiting)
+        fail(*file, u"The saved file does not read back as it was written");
   for (const auto& file : files.files) {
     if (file->state != SavedFile::State::waiting) continue;
     if (const Text reason = saved.giveName(*file); !reason.empty()) reports.onSaveFailed(*file, reason);

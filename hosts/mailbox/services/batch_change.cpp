@@ -92,12 +92,17 @@ void BatchChange::takeBack() {
   temporary_.clear();
 }
 
-void BatchChange::compareFiles() {
-  step([&] {
-    for (const RemovedAttachment& attachment : change_.removed)
-      if (!holds(*attachment.file, attachment.decoded))
-        throw failure("The saved file " + attachment.file->asked + " does not hold what the message holds");
-  });
+std::vector<std::shared_ptr<SavedFile>> BatchChange::compareFiles() {
+  std::vector<std::shared_ptr<SavedFile>> wrong;
+  if (finished_) return wrong;
+  for (const RemovedAttachment& attachment : change_.removed) {
+    bool same = false;
+    ignoringErrors([&] { same = holds(*attachment.file, attachment.decoded); });
+    if (!same) wrong.push_back(attachment.file);
+  }
+  if (!wrong.empty())
+    doubt(failure("The saved file " + wrong[0]->asked + " does not hold what the message holds").description);
+  return wrong;
 }
 
 void BatchChange::requireFiles() const {

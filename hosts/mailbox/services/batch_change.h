@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "hosts/mailbox/services/batch.h"
 #include "hosts/mailbox/services/flush.h"
@@ -30,8 +31,8 @@ class BatchChange {
   // Set once there is nothing more to do.
   const std::optional<ChangeReport>& finished() const { return finished_; }
 
-  // Before its files are named: reads them back and compares.
-  void compareFiles();
+  // Before its files are named: reads them back and compares. Gives those that do not hold what they should.
+  std::vector<std::shared_ptr<SavedFile>> compareFiles();
   // Their names stand: writes the new message into tmp/.
   void writeMessage();
   // Files and new message are durable: compares the new message and links it into cur/; or makes the change

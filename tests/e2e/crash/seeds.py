@@ -27,7 +27,7 @@ SEEDS = [
         ("    old_ = *old;\n", "    old_ = *old;\n    ::unlink(change_.folder->filePath(old_).c_str());\n"),
     ]),
     Seed("no read-back", SERVICES + "batch_change.cpp", [
-        ("if (!holds(*attachment.file, attachment.decoded))", "if (false && !holds(*attachment.file, attachment.decoded))"),
+        ("same = holds(*attachment.file, attachment.decoded);", "same = true;"),
     ]),
     Seed("an ignored short write", SERVICES + "file_content.cpp", [
         ("bytes.remove_prefix(static_cast<std::size_t>(count));\n  }\n}\n\nstd::size_t readAt",
