@@ -20,7 +20,10 @@ std::string bytesAt(Batch& batch, const std::string& path) {
 void MailboxAttachment::saveAsFile(TextView path) {
   const auto client = item_->client();
   auto& changes = item_->changes_;
-  changes.saved[source_.get()] = client->setup().batch.files().save(toUtf8(path), source_->content());
+  auto file = client->setup().batch.files().save(toUtf8(path), source_->content());
+  file->item = toUtf8(item_->entryId());
+  file->attachment = toUtf8(fileName());
+  changes.saved[source_.get()] = std::move(file);
   client->underWay(item_);
 }
 

@@ -158,7 +158,8 @@ constexpr Format formats[] = {
 void saveAs(MailboxItem& item, TextView path, SaveAsType type) {
   for (const auto& format : formats) {
     if (format.type != type) continue;
-    item.clientOf().setup().batch.files().save(toUtf8(path), format.content(item));
+    const auto file = item.clientOf().setup().batch.files().save(toUtf8(path), format.content(item));
+    file->item = toUtf8(item.entryId());
     return;
   }
   throw failure("Could not save the e-mail as " + toUtf8(path) + ": that format cannot be written");
