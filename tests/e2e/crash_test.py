@@ -13,7 +13,7 @@ from collections import Counter
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
-from crash import power_cut, seeds  # noqa: E402
+from crash import kernel, power_cut, seeds  # noqa: E402
 from crash.mailbox import MANY, ONE, THREE, Mailbox, parts_of  # noqa: E402
 from crash.program import Program, build_shim  # noqa: E402
 
@@ -117,6 +117,11 @@ def main() -> int:
             print(f"messages: {len(run.mailbox.flags)}, power cuts modelled: {len(calls)}", flush=True)
         counted = Counter(call.name for call in calls if call.phase == "end")
         print(f"calls that change the disk: {sum(counted.values())}: {dict(counted)}", flush=True)
+        program.mailbox.reset()
+        seen = kernel.changing_calls(program.command(), program.environment(), folder)
+        print("the kernel saw", "nothing: there is no strace" if seen is None else "the same calls" if seen == counted else dict(seen))
+        if seen not in (None, counted):
+            wrong.append("calls went past the shim")
         if not wrong:
             tried, wrong = sweep(program, program.mailbox, calls)
             print(f"points tried: {sum(tried.values())}: {dict(tried)}", flush=True)
