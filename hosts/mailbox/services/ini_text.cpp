@@ -103,10 +103,10 @@ bool sameIgnoringCase(std::string_view a, std::string_view b) {
          std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
-IniText::IniText(std::string bytes) {
+IniText::IniText(std::string_view bytes) {
   for (std::size_t begin = 0; begin < bytes.size();) {
     const auto end = std::min(bytes.find('\n', begin), bytes.size());
-    lines_.push_back(bytes.substr(begin, end - begin));
+    lines_.emplace_back(bytes.substr(begin, end - begin));
     begin = end + 1;
   }
 }

@@ -20,7 +20,7 @@ class IniText {
     std::string section, key, value;
   };
 
-  explicit IniText(std::string bytes);
+  explicit IniText(std::string_view bytes);
 
   // Every value, in the file's order; of a key that stands twice in a section the last counts. Throws
   // Failure, whose sentence names `path` and the line, at a line that is no section, no value, no comment and

@@ -37,7 +37,7 @@ std::string pathOfReplaced(const MailStore& store, const Replaced& replaced) {
     for (std::size_t i = 0; i < listing.size(); ++i) {
       const Entry entry = listing[i];
       if (replacedMessage(entry.unique, replaced.inode) != replaced) continue;
-      const std::string path = folder->filePath({std::string{entry.fileName}, entry.isNew});
+      std::string path = folder->filePath({std::string{entry.fileName}, entry.isNew});
       struct stat status {};
       if (::lstat(path.c_str(), &status) == 0 && status.st_ino == replaced.inode) return path;
     }

@@ -68,6 +68,7 @@ class Splitter {
 // closed on exec.
 int startDetached(const std::vector<std::string>& words) {
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   int ends[2];

@@ -100,11 +100,11 @@ bool SaveFolder::taken(const std::string& name) {
 std::string SaveFolder::takeFreeName(const std::string& base, const std::string& extension) {
   refresh();
   std::int64_t& next = nextNumber_[base + "/" + extension];
-  for (std::string number;; number = "-" + std::to_string(next)) {
-    if (next > 0) number = "-" + std::to_string(next);
-    const std::size_t ending = number.size() + extension.size();
-    if (ending >= NAME_MAX) throw fromErrno(ENAMETOOLONG, "name a file in", path_);
-    std::string name = cutUtf8(base, NAME_MAX - ending) + number + extension;
+  while (true) {
+    std::string ending = next > 0 ? "-" + std::to_string(next) : "";
+    ending += extension;
+    if (ending.size() >= NAME_MAX) throw fromErrno(ENAMETOOLONG, "name a file in", path_);
+    std::string name = cutUtf8(base, NAME_MAX - ending.size()) + ending;
     ++next;
     if (taken(name)) continue;
     take(name);

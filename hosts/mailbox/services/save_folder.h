@@ -28,7 +28,12 @@ class SaveFolder {
   std::string takeFreeName(const std::string& base, const std::string& extension);
   void take(const std::string& name) { spokenFor_.insert(name); }
   bool spokenFor(const std::string& name) const { return spokenFor_.contains(name); }
+  // The file has its name now: the listing knows it.
   void release(const std::string& name) { spokenFor_.erase(name); }
+  // There will be no file of that name: it is free again.
+  void giveBack(const std::string& name) {
+    if (spokenFor_.erase(name) > 0) nextNumber_.clear();
+  }
   bool idle() const { return spokenFor_.empty(); }
 
   // flock on the folder, so that two Quillfile processes do not choose names in it at once: a courtesy that

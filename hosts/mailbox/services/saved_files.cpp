@@ -120,7 +120,7 @@ std::string SavedFiles::firstFreePath(const std::string& folder, const std::stri
   const std::string directory = withoutSeparator(plain(folder));
   const auto known = folderOf(directory);
   lock(*known);
-  const std::string path = directory + "/" + known->takeFreeName(base, extension);
+  std::string path = directory + "/" + known->takeFreeName(base, extension);
   given_.emplace_back(known, path);
   return path;
 }
@@ -174,7 +174,7 @@ GatheredFiles SavedFiles::take() {
 
 void SavedFiles::releaseUnusedNames() {
   for (const auto& [folder, path] : std::exchange(given_, {}))
-    if (!waiting_.contains(path)) folder->release(namePart(path));
+    if (!waiting_.contains(path)) folder->giveBack(namePart(path));
 }
 
 void SavedFiles::abandon(SavedFile& file) {
@@ -183,7 +183,7 @@ void SavedFiles::abandon(SavedFile& file) {
   ::unlinkat(file.folder->descriptor(), file.temporary.c_str(), 0);
   file.folder->noteOwnChange();
   file.temporary.clear();
-  file.folder->release(file.name());
+  file.folder->giveBack(file.name());
   const auto known = waiting_.find(file.path);
   if (known != waiting_.end() && known->second.get() == &file) waiting_.erase(known);
 }

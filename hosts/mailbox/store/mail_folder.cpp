@@ -131,7 +131,7 @@ bool MailFolder::erase(std::string_view unique) const {
 }
 
 std::string MailFolder::create(const Content& content, std::string_view flags) const {
-  const std::string unique = freshUniqueName();
+  std::string unique = freshUniqueName();
   const std::string temporary = directory_ + "/tmp/" + temporaryMessageName(unique);
   const Descriptor file{::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)};
   if (!file) throw fromErrno(errno, "create the message", temporary);

@@ -70,10 +70,11 @@ MessageFile::~MessageFile() {
 // Whole pages within the range only, so that neighbours stay.
 void MessageFile::forget(std::string_view range) const {
   if (mapped_ == nullptr || range.empty()) return;
-  static const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-  const auto begin = (reinterpret_cast<std::uintptr_t>(range.data()) + page - 1) / page * page;
-  const auto end = reinterpret_cast<std::uintptr_t>(range.data() + range.size()) / page * page;
-  if (begin < end) ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+  static const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  const auto offset = static_cast<std::size_t>(range.data() - bytes_.data());
+  const std::size_t begin = (offset + page - 1) / page * page;
+  const std::size_t end = (offset + range.size()) / page * page;
+  if (begin < end) ::madvise(static_cast<char*>(mapped_) + begin, end - begin, MADV_DONTNEED);
 }
 
 // A message that has no name left was rewritten or deleted while this process waited to open it.

@@ -21,6 +21,11 @@ struct CloseDirectory {
   void operator()(DIR* directory) const { ::closedir(directory); }
 };
 
+std::string joined(const std::string& path, const std::string& name) {
+  std::string whole = path;
+  return whole.append("/").append(name);
+}
+
 bool isDirectory(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
@@ -39,7 +44,7 @@ std::vector<std::string> subdirectories(const std::string& path, bool mustBeRead
     const std::string name = entry->d_name;
     const bool own = name == "." || name == ".." || name == "cur" || name == "new" || name == "tmp";
     const bool possible = entry->d_type == DT_DIR || entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN;
-    if (!own && possible && isDirectory(path + "/" + name)) names.push_back(name);
+    if (!own && possible && isDirectory(joined(path, name))) names.push_back(name);
   }
   std::sort(names.begin(), names.end());
   return names;
@@ -92,7 +97,7 @@ class Search {
     if (!seen_.insert({status.st_dev, status.st_ino}).second) return;
     if (isMaildir(directory)) add(directory, inboxOr(path));
     for (const std::string& name : subdirectories(directory, false))
-      descend(directory + "/" + name, path + "/" + shownComponent(name), depth + 1);
+      descend(joined(directory, name), joined(path, shownComponent(name)), depth + 1);
   }
 
   static std::string inboxOr(const std::string& path) {

@@ -275,6 +275,14 @@ TEST_F(BatchTest, ANameThatHasBecomeFreeIsUsedAgain) {
   EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-4.pdf");
 }
 
+TEST_F(BatchTest, ANameThatNobodySavedToIsFreeAfterTheEvent) {
+  Batch batch{reports};
+  EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a.pdf");
+  EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-1.pdf");
+  batch.eventEnded();
+  EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a.pdf");
+}
+
 TEST_F(BatchTest, TwoProcessesThatSaveIntoOneFolderNeverOverwriteEachOther) {
   constexpr int each = 300;
   const auto saveSome = [&] {
