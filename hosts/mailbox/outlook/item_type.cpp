@@ -17,7 +17,7 @@ Text itemType(const Message& message) {
   if (tree.type(0).is("multipart/report")) return u"ReportItem";
   for (mime::PartIndex part = 0; part < tree.size();) {
     if (isInvitation(tree, part)) return u"MeetingItem";
-    part = tree[part].kind == mime::PartKind::message && part != 0 ? tree.after(part) : part + 1;
+    part = tree[part].kind == mime::PartKind::message ? tree.after(part) : part + 1;
   }
   const auto header = message.header();
   const bool posted =

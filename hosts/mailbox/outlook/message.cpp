@@ -66,7 +66,7 @@ bool isExternal(const mime::ContentType& type) { return type.is("message/externa
 
 // Whether a person would call the part an attachment.
 bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex part) {
-  if (part != 0 && tree[part].kind == PartKind::message) return true;
+  if (tree[part].kind == PartKind::message) return true;
   if (tree[part].kind == PartKind::multipart || layout.isBody(part)) return false;
   const auto header = tree.header(part);
   if (mime::disposition(header).word == "attachment" || !mime::givenName(header).empty()) return true;
@@ -85,8 +85,7 @@ Layout layoutOf(const mime::PartTree& tree) {
   BodySearch{tree, layout}.take(0);
   for (PartIndex part = 0; part < tree.size();) {
     if (isAttachment(tree, layout, part)) layout.attachments.push_back(part);
-    const bool opened = tree[part].kind != PartKind::message || part == 0;
-    part = opened ? part + 1 : tree.after(part);
+    part = tree[part].kind == PartKind::message ? tree.after(part) : part + 1;
   }
   return layout;
 }

@@ -3,6 +3,7 @@
 #include "hosts/mailbox/mime/charset.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/body_encoding.h"
+#include "hosts/mailbox/outlook/removed_part.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -41,11 +42,6 @@ std::string inBase64(std::string_view header, std::string_view lineEnd) {
   return result.append("Content-Transfer-Encoding: base64").append(lineEnd);
 }
 
-std::string_view boundaryOf(std::string& kept, const mime::PartTree& tree, mime::PartIndex multipart) {
-  kept = tree.type(multipart).parameters.bytes("boundary").value_or("");
-  return kept;
-}
-
 }  // namespace
 
 mime::Pieces partPieces(std::string header, const AttachmentSource& source, std::string_view boundary,
@@ -69,8 +65,7 @@ Splice insertion(const mime::PartTree& tree, mime::PartIndex multipart, std::siz
   const auto children = tree.children(multipart);
   const auto& at = tree[multipart];
   const auto next = before < children.size() ? tree[children[before]].opening : at.closing;
-  std::string kept;
-  const auto boundary = boundaryOf(kept, tree, multipart);
+  const auto boundary = boundaryOf(tree, multipart);
   const auto lineEnd = tree.lineEnd();
   // A boundary line that follows brings the line end before it, unless it is the very first line.
   const auto following = next.of(tree.message());

@@ -51,17 +51,21 @@ std::optional<RemovedPart> read(std::string_view value) {
     if (equals == std::string_view::npos) return std::nullopt;
     const auto name = item.substr(0, equals);
     const auto text = item.substr(equals + 1);
-    if (name == "in") part.parent = text;
+
     if (name == "at") {
       const auto place = number(text);
       if (!place) return std::nullopt;
       part.at = *place;
       placed = true;
     }
-    if (name == "path" || name == "header") {
+    std::string* const place = name == "path"     ? &part.path
+                               : name == "header" ? &part.header
+                               : name == "in"     ? &part.boundary
+                                                  : nullptr;
+    if (place != nullptr) {
       auto bytes = mime::decodePlain(mime::Encoding::base64, text);
       if (!bytes) return std::nullopt;
-      (name == "path" ? part.path : part.header) = std::move(*bytes);
+      *place = std::move(*bytes);
     }
   }
   return placed && !part.path.empty() ? std::optional{std::move(part)} : std::nullopt;
@@ -71,7 +75,8 @@ std::optional<RemovedPart> read(std::string_view value) {
 
 std::string fieldOf(const RemovedPart& part, std::string_view lineEnd) {
   std::string field{removedPartField};
-  field.append(": in=").append(part.parent).append("; at=").append(std::to_string(part.at));
+  field.append(": at=").append(std::to_string(part.at));
+  appendEncoded(field, "in", part.boundary, lineEnd);
   appendEncoded(field, "path", part.path, lineEnd);
   appendEncoded(field, "header", part.header, lineEnd);
   return field.append(lineEnd);
@@ -84,46 +89,27 @@ std::vector<RemovedPart> removedParts(const mime::Header& header) {
   return parts;
 }
 
-std::vector<std::uint32_t> oldPlaces(std::size_t children, std::string_view path,
+mime::PartIndex multipartOf(const mime::PartTree& tree, std::string_view boundary) {
+  for (mime::PartIndex part = 0; part < tree.size(); ++part) {
+    if (tree[part].kind != mime::PartKind::multipart) continue;
+    if (boundary.empty() || boundaryOf(tree, part) == boundary) return part;
+  }
+  return mime::noPart;
+}
+
+std::string boundaryOf(const mime::PartTree& tree, mime::PartIndex multipart) {
+  return tree.type(multipart).parameters.bytes("boundary").value_or("");
+}
+
+std::vector<std::uint32_t> oldPlaces(std::size_t children, std::string_view boundary,
                                      const std::vector<RemovedPart>& gone) {
   std::set<std::uint32_t> taken;
   for (const auto& part : gone)
-    if (part.parent == path) taken.insert(part.at);
+    if (part.boundary == boundary) taken.insert(part.at);
   std::vector<std::uint32_t> places;
   for (std::uint32_t place = 0; places.size() < children; ++place)
     if (!taken.contains(place)) places.push_back(place);
   return places;
-}
-
-mime::PartIndex multipartAt(const mime::PartTree& tree, std::string_view path,
-                            const std::vector<RemovedPart>& gone) {
-  mime::PartIndex part = 0;
-  for (std::size_t at = 0; at < path.size();) {
-    const auto end = std::min(path.find('.', at), path.size());
-    const auto wanted = number(path.substr(at, end - at));
-    const auto children = tree.children(part);
-    const auto places = oldPlaces(children.size(), path.substr(0, at == 0 ? 0 : at - 1), gone);
-    const auto found = std::find(places.begin(), places.end(), wanted.value_or(0) - 1);
-    if (found == places.end()) return mime::noPart;
-    part = children[static_cast<std::size_t>(found - places.begin())];
-    at = end + 1;
-  }
-  return tree[part].kind == mime::PartKind::multipart ? part : mime::noPart;
-}
-
-Place placeOf(const mime::PartTree& tree, mime::PartIndex part, const std::vector<RemovedPart>& gone) {
-  if (part == 0) return {"", 1};
-  const auto parent = tree[part].parent;
-  Place place;
-  if (parent != 0) {
-    const auto [above, at] = placeOf(tree, parent, gone);
-    place.parent = above + (above.empty() ? "" : ".") + std::to_string(at + 1);
-  }
-  const auto siblings = tree.children(parent);
-  const auto index =
-      static_cast<std::size_t>(std::find(siblings.begin(), siblings.end(), part) - siblings.begin());
-  place.at = oldPlaces(siblings.size(), place.parent, gone)[index];
-  return place;
 }
 
 }  // namespace quillfile::mailbox

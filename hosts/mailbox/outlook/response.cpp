@@ -113,7 +113,7 @@ Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
       auto fields = contentFields(original.message()->tree().header(*part));
       const bool untyped = !mime::Header{fields}.field("Content-Type");
       if (untyped) fields = "Content-Type: " + source->mediaType() + "\n" + fields;
-      added.was = RemovedPart{.path = {}, .parent = {}, .at = 0, .header = replacedLineEnds(fields)};
+      added.was = RemovedPart{.path = {}, .boundary = {}, .at = 0, .header = replacedLineEnds(fields)};
     }
     const auto id = source->contentId();
     const bool shown = part && !id.empty() && page.find("cid:" + id) != std::string::npos;
@@ -127,20 +127,25 @@ Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
 }
 
 // The attachments at their places in the draft, and behind them what the original has lost and may get back.
-std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& removed, bool inMixed) {
+std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& removed,
+                                    const mime::PartTree& draft, bool inMixed) {
+  const auto boundary = boundaryOf(draft, 0);
   std::uint32_t at = 1000;
   std::vector<AddedAttachment> all;
   for (auto& picture : carried.pictures) {
-    picture.was->parent = inMixed ? "1" : "";
+    picture.was->boundary = boundaryOf(draft, inMixed ? draft.children(0).front() : 0);
     picture.was->at = at++;
     all.push_back(std::move(picture));
   }
   for (auto& other : carried.others) {
-    if (other.was) other.was->at = at++;
+    if (other.was) {
+      other.was->boundary = boundary;
+      other.was->at = at++;
+    }
     all.push_back(std::move(other));
   }
   for (auto& part : removed) {
-    part.parent.clear();
+    part.boundary = boundary;
     part.at += at;
     part.header = replacedLineEnds(contentFields(mime::Header{part.header}));
   }
@@ -180,7 +185,7 @@ std::shared_ptr<MailboxItem> makeResponse(MailboxItem& original, Response respon
   const bool related = !carried.pictures.empty();
   auto message = std::make_shared<const Message>(
       draftText(headerOf(original, response, client.setup()), bodies, {.mixed = mixed, .related = related}));
-  auto added = placed(std::move(carried), removed, mixed);
+  auto added = placed(std::move(carried), removed, message->tree(), mixed);
   return std::make_shared<MailboxItem>(client.weak_from_this(), std::move(message), std::move(added),
                                        std::move(removed));
 }

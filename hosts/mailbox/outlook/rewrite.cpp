@@ -42,8 +42,15 @@ class Rewriting {
     edit_.remove(*part);
     if (!taken.file) return;
     result_.removed.push_back({taken.file, secondReading(message_, *part)});
-    const auto [parent, at] = placeOf(tree_, *part, removedBefore_);
-    RemovedPart record{taken.file->asked, parent, at, {}};
+    RemovedPart record{taken.file->asked, {}, 1, {}};  // the whole message: behind the text in its place
+    if (*part != 0) {
+      const auto parent = tree_[*part].parent;
+      const auto siblings = tree_.children(parent);
+      const auto index = std::find(siblings.begin(), siblings.end(), *part) - siblings.begin();
+      record.boundary = boundaryOf(tree_, parent);
+      record.at =
+          oldPlaces(siblings.size(), record.boundary, removedBefore_)[static_cast<std::size_t>(index)];
+    }
     auto lines = tree_.header(*part).block();
     while (const auto field = mime::takeField(lines)) {
       // Of a message that is all one attachment, the lines about the attachment alone.
@@ -62,22 +69,31 @@ class Rewriting {
                      [](const auto* a, const auto* b) { return a->was->at < b->was->at; });
     for (const auto* added : back)
       if (!putBack(*added)) others.push_back(added);
-    for (const auto* added : others) {
-      edit_.add({.name = added->source->fileName(),
-                 .type = added->source->mediaType(),
-                 .description = added->source->displayName() == added->source->fileName()
-                                    ? Text{}
-                                    : added->source->displayName(),
-                 .content = added->source->content()});
+    for (const auto* added : others) edit_.add(newPart(*added));
+  }
+
+  static mime::NewPart newPart(const AddedAttachment& added) {
+    const auto& source = *added.source;
+    mime::NewPart part;
+    part.name = source.fileName();
+    part.type = source.mediaType();
+    if (source.displayName() != part.name) part.description = source.displayName();
+    part.content = source.content();
+    if (added.was) {
+      const mime::Header header{added.was->header};
+      const auto type = mime::contentType(header);
+      if (header.field("Content-Type")) part.type = type.type + "/" + type.subtype;
+      part.name = mime::givenName(header);
     }
+    return part;
   }
 
   bool putBack(const AddedAttachment& added) {
     forget(*added.was);
-    const auto multipart = multipartAt(tree_, added.was->parent, removedBefore_);
+    const auto multipart = multipartOf(tree_, added.was->boundary);
     if (multipart == mime::noPart) return false;
     const auto children = tree_.children(multipart);
-    const auto places = oldPlaces(children.size(), added.was->parent, removedBefore_);
+    const auto places = oldPlaces(children.size(), added.was->boundary, removedBefore_);
     const auto before = static_cast<std::size_t>(
         std::lower_bound(places.begin(), places.end(), added.was->at) - places.begin());
     splices_.push_back(insertion(tree_, multipart, before, added.was->header, *added.source));

@@ -24,7 +24,7 @@ const std::string withAttachment =
     "aGVsbG8gd29ybGQ=\n"
     "--b--\n";
 
-TEST_F(Mailbox, AnItemTellsWhatAListShows) {
+TEST_F(OutlookItems, AnItemTellsWhatAListShows) {
   const auto item = deliver(withAttachment);
   EXPECT_EQ(item->typeName(), u"MailItem");
   EXPECT_EQ(item->subject(), u"The n\u00FAmbers");
@@ -40,7 +40,7 @@ TEST_F(Mailbox, AnItemTellsWhatAListShows) {
   EXPECT_EQ(attachment->size(), 11);
 }
 
-TEST_F(Mailbox, ASavedAttachmentIsTakenOutAndANoteStandsInTheBody) {
+TEST_F(OutlookItems, ASavedAttachmentIsTakenOutAndANoteStandsInTheBody) {
   const auto item = deliver(withAttachment);
   const auto before = toUtf8(item->entryId());
 
@@ -53,7 +53,7 @@ TEST_F(Mailbox, ASavedAttachmentIsTakenOutAndANoteStandsInTheBody) {
   EXPECT_NE(toUtf8(item->entryId()), before);
   EXPECT_EQ(contentOf(root / "saved" / "a.pdf"), "hello world");
   const auto after = tidied(bytesOf(item));
-  const auto record = after.find("X-Quillfile-Attachment: in=; at=1;");
+  const auto record = after.find("X-Quillfile-Attachment: at=1;");
   ASSERT_NE(record, std::string::npos) << after;
   EXPECT_EQ(after.substr(0, record), withAttachment.substr(0, withAttachment.find("\n\n") + 1));
   EXPECT_EQ(after.substr(after.find("\n\n")),
@@ -62,14 +62,16 @@ TEST_F(Mailbox, ASavedAttachmentIsTakenOutAndANoteStandsInTheBody) {
   EXPECT_EQ(item->attachments()->count(), 0);
 }
 
-TEST_F(Mailbox, ARestoredMessageIsWhatItWasByteForByte) {
+TEST_F(OutlookItems, ARestoredMessageIsWhatItWasByteForByte) {
   const auto item = deliver(withAttachment);
   const auto path = fromUtf8((root / "saved").string()) + u"/a.pdf";
   strip(item, 1);
   finish();
 
-  item->attachments()->add({.source = path, .type = AttachmentType::by_value, .position = {}, .displayName = u"a.pdf"});
-  item->setBody(BodyKind::plain, replaceAll(item->body(BodyKind::plain), fill(u"Attachment saved to <file://{}>", path), u""));
+  item->attachments()->add(
+      {.source = path, .type = AttachmentType::by_value, .position = {}, .displayName = u"a.pdf"});
+  item->setBody(BodyKind::plain,
+                replaceAll(item->body(BodyKind::plain), fill(u"Attachment saved to <file://{}>", path), u""));
   item->finishRestore();
   item->saveQuietly();
   finish();
@@ -78,7 +80,7 @@ TEST_F(Mailbox, ARestoredMessageIsWhatItWasByteForByte) {
   EXPECT_EQ(bytesOf(item), withAttachment);
 }
 
-TEST_F(Mailbox, SettingTheSameReadStateIsNoChange) {
+TEST_F(OutlookItems, SettingTheSameReadStateIsNoChange) {
   const auto item = deliver(withAttachment, "S");
   item->setUnRead(false);
   finish();
@@ -90,7 +92,7 @@ TEST_F(Mailbox, SettingTheSameReadStateIsNoChange) {
   EXPECT_EQ(bytesOf(item), withAttachment);
 }
 
-TEST_F(Mailbox, ASignedMessageKeepsItsAttachmentsAndSaysWhyOnce) {
+TEST_F(OutlookItems, ASignedMessageKeepsItsAttachmentsAndSaysWhyOnce) {
   auto text = withAttachment;
   text.replace(text.find("multipart/mixed"), 15, "multipart/signed");
   const auto item = deliver(text);
@@ -103,10 +105,11 @@ TEST_F(Mailbox, ASignedMessageKeepsItsAttachmentsAndSaysWhyOnce) {
   EXPECT_EQ(bytesOf(item), text);
 }
 
-TEST_F(Mailbox, ADoubtedAttachmentStaysAndACleanOneGoes) {
+TEST_F(OutlookItems, ADoubtedAttachmentStaysAndACleanOneGoes) {
   auto text = withAttachment;
   const std::string doubted =
-      "--b\nContent-Type: application/pdf; name=\"d.pdf\"\nContent-Transfer-Encoding: base64\n\naGVsbG8*gd29ybGQ=\n";
+      "--b\nContent-Type: application/pdf; name=\"d.pdf\"\nContent-Transfer-Encoding: "
+      "base64\n\naGVsbG8*gd29ybGQ=\n";
   text.insert(text.find("--b--"), doubted);
   const auto item = deliver(text);
   EXPECT_EQ(strip(item, 2), Removal::declined);
@@ -118,7 +121,7 @@ TEST_F(Mailbox, ADoubtedAttachmentStaysAndACleanOneGoes) {
   EXPECT_NE(bytesOf(item).find(doubted), std::string::npos);
 }
 
-TEST_F(Mailbox, ADeletedItemMovesToDeletedItemsAndASecondTimeGoes) {
+TEST_F(OutlookItems, ADeletedItemMovesToDeletedItemsAndASecondTimeGoes) {
   const auto item = deliver(withAttachment);
   item->remove();
   finish();
@@ -129,10 +132,12 @@ TEST_F(Mailbox, ADeletedItemMovesToDeletedItemsAndASecondTimeGoes) {
   EXPECT_EQ(item->folder()->list().size(), 0u);
 }
 
-TEST_F(Mailbox, ThePaperclipMakesAMixedMessageOfAPlainOne) {
+TEST_F(OutlookItems, ThePaperclipMakesAMixedMessageOfAPlainOne) {
   std::ofstream{root / "Paperclip.ico"} << "icon";
   const auto item = deliver("From: a@b.c\nSubject: x\nContent-Type: text/plain; charset=utf-8\n\nBody\n");
-  item->attachments()->add({.source = fromUtf8((root / "Paperclip.ico").string()), .type = {}, .position = -1,
+  item->attachments()->add({.source = fromUtf8((root / "Paperclip.ico").string()),
+                            .type = {},
+                            .position = -1,
                             .displayName = u"Paperclip retained by Quillfile"});
   item->saveQuietly();
   finish();
@@ -144,7 +149,7 @@ TEST_F(Mailbox, ThePaperclipMakesAMixedMessageOfAPlainOne) {
   EXPECT_EQ(item->body(BodyKind::plain), u"Body\r\n");
 }
 
-TEST_F(Mailbox, AMessageThatIsAllOneAttachmentBecomesItsNote) {
+TEST_F(OutlookItems, AMessageThatIsAllOneAttachmentBecomesItsNote) {
   const auto item = deliver(
       "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: application/pdf; name=\"a.pdf\"\n"
       "Content-Transfer-Encoding: base64\n\naGVsbG8gd29ybGQ=\n");

@@ -37,16 +37,16 @@ inline std::string contentOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>{file}, {}};
 }
 
-class Mailbox : public testing::Test {
+class OutlookItems : public testing::Test {
  protected:
-  Mailbox() {
+  OutlookItems() {
     std::string pattern = (std::filesystem::temp_directory_path() / "quillfile-outlook-XXXXXX").string();
     root = mkdtemp(pattern.data());
     store = MailStore::create((root / "mail").string());
     std::filesystem::create_directory(root / "saved");
     start();
   }
-  ~Mailbox() override {
+  ~OutlookItems() override {
     client.reset();
     batch.reset();
     std::filesystem::remove_all(root);
@@ -79,7 +79,8 @@ class Mailbox : public testing::Test {
   // What the module does about one attachment: save, remove, write the note, save.
   Removal strip(const std::shared_ptr<MailboxItem>& item, std::int32_t index, bool atEnd = true) {
     const auto attachment = item->attachments()->item(index);
-    const auto path = fromUtf8((root / "saved").string() + "/") + attachment->fileName();
+    const auto path = fromUtf8((root / "saved").string() + "/") +
+                      (attachment->fileName().empty() ? attachment->displayName() : attachment->fileName());
     attachment->saveAsFile(path);
     const auto outcome = attachment->remove();
     if (outcome == Removal::removed) note(*item, u"file://" + path, atEnd);
