@@ -1,0 +1,137 @@
+// Notes in bodies: written, found and erased again, in every encoding, format and place; nothing else is
+// touched.
+#include "hosts/mailbox/mime/encode.h"
+#include "hosts/mailbox/outlook/link_notes.h"
+#include "tests/mailbox/outlook/module_links.h"
+
+namespace quillfile::mailbox {
+namespace {
+
+struct Form {
+  std::string name;
+  std::string type;      // "text/plain"
+  std::string charset;   // empty: none said
+  std::string encoding;  // of the transfer
+  std::string body;      // decoded, in the charset
+};
+
+std::string encodedBody(const Form& form) {
+  if (form.encoding == "base64") return mime::toBase64(form.body, "\n") + "\n";
+  if (form.encoding == "quoted-printable") return mime::toQuotedPrintable(form.body, "\n");
+  return form.body;
+}
+
+std::string messageOf(const Form& form) {
+  return "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; "
+         "boundary=b\n\n--b\nContent-Type: " +
+         form.type + (form.charset.empty() ? "" : "; charset=" + form.charset) +
+         "\nContent-Transfer-Encoding: " + form.encoding + "\n\n" + encodedBody(form) +
+         "\n--b\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nYQ==\n"
+         "--b\nContent-Type: application/pdf; name=b.pdf\nContent-Transfer-Encoding: base64\n\nYg==\n"
+         "--b\nContent-Type: application/pdf; name=\"" +
+         form.name + ".pdf\"\nContent-Transfer-Encoding: base64\n\nYw==\n--b--\n";
+}
+
+const std::string longLine(200, 'x');
+
+const Form forms[] = {
+    {"plain", "text/plain", "us-ascii", "7bit", "Hello\n\nyou\n"},
+    {"empty", "text/plain", "utf-8", "7bit", ""},
+    {"no charset", "text/plain", "", "8bit", "caf\xC3\xA9\n"},
+    {"no last line end", "text/plain", "utf-8", "8bit", "caf\xC3\xA9"},
+    {"latin", "text/plain", "iso-8859-1", "8bit", "caf\xE9\n"},
+    {"latin caf\xC3\xA9", "text/plain", "iso-8859-1", "quoted-printable",
+     "caf\xE9 = cr\xE8me \n" + longLine + "\n"},
+    {"\xE2\x82\xAC in ascii", "text/plain", "us-ascii", "7bit", "Hello\n"},
+    {"quoted", "text/plain", "utf-8", "quoted-printable", "blank at its end \n" + longLine + " \nend "},
+    {"base64", "text/plain", "utf-8", "base64", "Hello\r\n" + longLine + "\r\ncaf\xC3\xA9\r\n"},
+    {"base64 with bare line ends", "text/plain", "utf-8", "base64", "Hello\nyou\n"},
+    {"flowed", "text/plain; format=flowed", "utf-8", "7bit", "a line that \nflows on\n-- \nme\n"},
+    {"utf-16", "text/plain", "utf-16le", "base64", std::string("H\0i\0\r\0\n\0", 8)},
+    {"japanese", "text/plain", "iso-2022-jp", "7bit", "\x1B$B$3$s\x1B(B\n"},
+    {"html", "text/html", "utf-8", "7bit", "<html><Body><p>Hello</p></Body></html>\n"},
+    {"html quoted", "text/html", "utf-8", "quoted-printable",
+     "<html><Body class=\"a\"><p>caf\xC3\xA9 " + longLine + "</p></Body></html>"},
+    {"html base64", "text/html", "windows-1252", "base64", "<p>caf\xE9</p>"},
+    {"html empty", "text/html", "utf-8", "7bit", ""},
+    {"one & two; 100% 'sure'", "text/html", "utf-8", "7bit", "<p>x</p>"},
+};
+
+class OutlookBodies : public OutlookLinks, public testing::WithParamInterface<std::tuple<int, bool>> {};
+
+TEST_P(OutlookBodies, NotesAreFoundAndErasedToTheVeryText) {
+  const auto& form = forms[std::get<0>(GetParam())];
+  const bool atEnd = std::get<1>(GetParam());
+  SCOPED_TRACE(form.name);
+  const auto message = messageOf(form);
+  const auto item = deliver(message);
+  const auto kind = item->bodyFormat() == u"HTML" ? BodyKind::html : BodyKind::plain;
+  const auto before = item->body(kind);
+  for (int i = 3; i >= 1; --i) ASSERT_EQ(strip(item, i, atEnd), Removal::removed);
+  const auto written = item->body(kind);
+  finish();
+
+  ASSERT_EQ(told.failed, std::vector<std::string>{});
+  EXPECT_EQ(item->body(kind), written) << bytesOf(item);
+  const auto links = kind == BodyKind::html ? linksInHtml(written) : linksInPlainText(written);
+  EXPECT_EQ(links.size(), 3u);
+  // What stood before the body's own header still does.
+  const auto preamble = message.substr(message.find("\n\n--b\n"), 6);
+  EXPECT_NE(bytesOf(item).find(preamble), std::string::npos);
+
+  EXPECT_TRUE(restore(item));
+  finish();
+  ASSERT_EQ(told.failed, std::vector<std::string>{});
+  ASSERT_EQ(item->attachments()->count(), 3) << bytesOf(item);
+  EXPECT_EQ(item->attachments()->item(1)->fileName(), u"a.pdf");
+  EXPECT_EQ(item->attachments()->item(2)->fileName(), u"b.pdf");
+  EXPECT_EQ(item->body(kind), before) << bytesOf(item);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllForms, OutlookBodies,
+                         testing::Combine(testing::Range(0, static_cast<int>(std::size(forms))),
+                                          testing::Bool()));
+
+class OutlookAlternatives : public OutlookLinks {};
+
+const std::string alternative =
+    "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n\n"
+    "--m\nContent-Type: multipart/alternative; boundary=a\n\n"
+    "--a\nContent-Type: text/plain\n\nHello\n\n"
+    "--a\nContent-Type: text/html; charset=utf-8\n\n<html><body>Hello</body></html>\n\n--a--\n\n"
+    "--m\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nYQ==\n\n--m--\n";
+
+TEST_F(OutlookAlternatives, ThePlainTextGetsTheNoteToo) {
+  const auto item = deliver(alternative);
+  ASSERT_EQ(item->bodyFormat(), u"HTML");
+  strip(item, 1);
+  finish();
+  const auto after = tidied(bytesOf(item));
+  EXPECT_EQ(after.substr(after.find("\n\n--m") + 2),
+            "--m\nContent-Type: multipart/alternative; boundary=a\n\n"
+            "--a\nContent-Type: text/plain\n\nHello\n\n\nAttachment saved to <file://SAVED/a.pdf>\n"
+            "--a\nContent-Type: text/html; charset=utf-8\n\n<html><body>Hello<p>Attachment saved to "
+            "<a href=\"file://SAVED/a.pdf\">file://SAVED/a.pdf</a></p></Body></html>\n\n--a--\n\n--m--\n");
+}
+
+TEST_F(OutlookAlternatives, ThePlainTextLosesTheNoteWithTheHtml) {
+  const auto item = deliver(alternative);
+  strip(item, 1, false);
+  finish();
+  EXPECT_TRUE(restore(item));
+  finish();
+  auto expected = alternative;
+  expected.replace(expected.find("<body>"), 6, "<Body>");  // as the module writes the tag
+  EXPECT_EQ(bytesOf(item), expected);
+}
+
+TEST_F(OutlookAlternatives, ANoteInTheMiddleIsErasedWithTheLineEndsThatItBrought) {
+  EXPECT_EQ(withoutNotes(u"a\r\n\r\nAttachment saved to <file:///x>\r\n\r\nb", {u"file:///x"}),
+            u"a\r\n\r\nb");
+  EXPECT_EQ(withoutNotes(u"Attachment saved to <file:///x>\r\n\r\nb", {u"file:///x"}), u"b");
+  EXPECT_EQ(withoutNotes(u"a\r\n\r\nAttachment saved to <file:///x>", {u"file:///y"}),
+            u"a\r\n\r\nAttachment saved to <file:///x>");
+}
+
+}  // namespace
+}  // namespace quillfile::mailbox
