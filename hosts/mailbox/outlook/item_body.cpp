@@ -55,7 +55,7 @@ ItemBodies::Body& ItemBodies::body(BodyKind kind) {
 
 Text ItemBodies::text(BodyKind kind) {
   const bool made = kind == BodyKind::plain && part(kind) == mime::noPart && !body(kind).change.changed();
-  if (made && format() == u"HTML") return htmlToText(text(BodyKind::html));
+  if (made && format() == u"HTML") return htmlToText(withPlainNotes(text(BodyKind::html)));
   if (made && format() == u"RTF") return rtfToText(text(BodyKind::rtf));
   return body(kind).change.current();
 }

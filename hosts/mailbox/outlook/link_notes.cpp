@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "hosts/mailbox/outlook/plain_text.h"
+
 namespace quillfile::mailbox {
 namespace {
 
@@ -140,6 +142,22 @@ Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd) {
     }
   }
   return front + result;
+}
+
+Text withPlainNotes(TextView html) {
+  constexpr TextView opening = u"<p>Attachment saved to <a href=\"";
+  Text result;
+  std::size_t kept = 0;
+  for (auto at = html.find(opening); at != TextView::npos; at = html.find(opening, at + 1)) {
+    const auto begin = at + opening.size();
+    const auto link = html.substr(begin, html.find(u'"', begin) - begin);
+    const auto rest = fill(u"\">{}</a></p>", link);
+    if (html.substr(begin + link.size(), rest.size()) != rest) continue;
+    result.append(html.substr(kept, at - kept));
+    result += fill(u"<p>Attachment saved to &lt;{}&gt;</p>", textToHtml(link));
+    kept = begin + link.size() + rest.size();
+  }
+  return result.append(html.substr(kept));
 }
 
 Text followHtml(TextView plain, TextView before, TextView after) {

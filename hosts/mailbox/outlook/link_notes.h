@@ -13,6 +13,9 @@ namespace quillfile::mailbox {
 std::vector<Text> linksInHtml(TextView html);
 std::vector<Text> linksInPlainText(TextView text);
 
+// A page with its notes in their plain form, ready to be made text.
+Text withPlainNotes(TextView html);
+
 // Without the notes of these links, and without the two line ends that came with each.
 Text withoutNotes(TextView text, const std::vector<Text>& links);
 // With a note for each link, at the end or at the beginning.

@@ -78,6 +78,22 @@ bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex pa
   return parent.is("multipart/related") && header.field("Content-ID");  // what an HTML body shows
 }
 
+Text reasonToKeep(const mime::PartTree& tree) {
+  switch (mime::protection(tree)) {
+    case mime::Protection::is_signed:
+      return u"the message is signed, and taking something out would break its signature";
+    case mime::Protection::encrypted:
+      return u"the message is encrypted, and taking something out would break it";
+    case mime::Protection::none:
+      break;
+  }
+  if (!tree.doubt().empty()) return fill(u"the message cannot be relied upon: {}", tree.doubt());
+  for (const auto& part : tree.parts())
+    if (part.kind != PartKind::leaf && !part.doubt.empty())
+      return fill(u"the message cannot be relied upon: {}", part.doubt);
+  return {};
+}
+
 }  // namespace
 
 Layout layoutOf(const mime::PartTree& tree) {
@@ -112,20 +128,9 @@ mime::Behind Message::behind(mime::Range range) const {
   };
 }
 
-Text Message::whyNothingMayGo() const {
-  switch (mime::protection(tree_)) {
-    case mime::Protection::is_signed:
-      return u"the message is signed, and taking something out would break its signature";
-    case mime::Protection::encrypted:
-      return u"the message is encrypted, and taking something out would break it";
-    case mime::Protection::none:
-      break;
-  }
-  if (!tree_.doubt().empty()) return fill(u"the message cannot be relied upon: {}", tree_.doubt());
-  for (const auto& part : tree_.parts())
-    if (part.kind != PartKind::leaf && !part.doubt.empty())
-      return fill(u"the message cannot be relied upon: {}", part.doubt);
-  return {};
+const Text& Message::whyNothingMayGo() const {
+  if (!whyNothingMayGo_) whyNothingMayGo_ = reasonToKeep(tree_);
+  return *whyNothingMayGo_;
 }
 
 }  // namespace quillfile::mailbox

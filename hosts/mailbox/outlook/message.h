@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,7 +45,7 @@ class Message {
   // Gives mapped pages back as `range` is read front to back; see mime::Behind.
   mime::Behind behind(mime::Range range) const;
   // Why nothing may be taken out of this message, a sentence; empty when it may.
-  Text whyNothingMayGo() const;
+  const Text& whyNothingMayGo() const;
 
  private:
   std::shared_ptr<MessageFile> file_;
@@ -53,6 +54,7 @@ class Message {
   std::size_t offset_ = 0;  // of this message in the outer one
   mime::PartTree tree_;
   Layout layout_;
+  mutable std::optional<Text> whyNothingMayGo_;  // found out when it is asked for
 };
 
 }  // namespace quillfile::mailbox

@@ -103,6 +103,12 @@ struct Carried {
   std::vector<AddedAttachment> others;
 };
 
+// Whether `page` shows the part with these header lines.
+bool isShown(const std::string& page, const std::string& header) {
+  const auto id = mime::Header{header}.value("Content-ID");
+  return id.size() > 2 && page.find("cid:" + id.substr(1, id.size() - 2)) != std::string::npos;
+}
+
 Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
   Carried carried;
   const auto page = toUtf8(html);
@@ -115,8 +121,7 @@ Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
       if (untyped) fields = "Content-Type: " + source->mediaType() + "\n" + fields;
       added.was = RemovedPart{.path = {}, .boundary = {}, .at = 0, .header = replacedLineEnds(fields)};
     }
-    const auto id = source->contentId();
-    const bool shown = part && !id.empty() && page.find("cid:" + id) != std::string::npos;
+    const bool shown = added.was && isShown(page, added.was->header);
     if (shown) {
       carried.pictures.push_back(std::move(added));
     } else if (response == Response::forward) {
@@ -128,12 +133,13 @@ Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
 
 // The attachments at their places in the draft, and behind them what the original has lost and may get back.
 std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& removed,
-                                    const mime::PartTree& draft, bool inMixed) {
+                                    const mime::PartTree& draft, const std::string& page, bool inMixed) {
   const auto boundary = boundaryOf(draft, 0);
+  const auto pictures = inMixed ? boundaryOf(draft, draft.children(0).front()) : boundary;
   std::uint32_t at = 1000;
   std::vector<AddedAttachment> all;
   for (auto& picture : carried.pictures) {
-    picture.was->boundary = boundaryOf(draft, inMixed ? draft.children(0).front() : 0);
+    picture.was->boundary = pictures;
     picture.was->at = at++;
     all.push_back(std::move(picture));
   }
@@ -145,9 +151,9 @@ std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& r
     all.push_back(std::move(other));
   }
   for (auto& part : removed) {
-    part.boundary = boundary;
-    part.at += at;
     part.header = replacedLineEnds(contentFields(mime::Header{part.header}));
+    part.boundary = isShown(page, part.header) ? pictures : boundary;
+    part.at += at;
   }
   return all;
 }
@@ -182,10 +188,13 @@ std::shared_ptr<MailboxItem> makeResponse(MailboxItem& original, Response respon
   auto carried = carriedBy(original, response, bodies.html);
   auto removed = response == Response::forward ? original.removedBefore() : std::vector<RemovedPart>{};
   const bool mixed = !carried.others.empty() || !removed.empty();
-  const bool related = !carried.pictures.empty();
+  const auto page = toUtf8(bodies.html);
+  const bool related =
+      !carried.pictures.empty() || std::any_of(removed.begin(), removed.end(),
+                                               [&](const auto& part) { return isShown(page, part.header); });
   auto message = std::make_shared<const Message>(
       draftText(headerOf(original, response, client.setup()), bodies, {.mixed = mixed, .related = related}));
-  auto added = placed(std::move(carried), removed, message->tree(), mixed);
+  auto added = placed(std::move(carried), removed, message->tree(), page, mixed);
   return std::make_shared<MailboxItem>(client.weak_from_this(), std::move(message), std::move(added),
                                        std::move(removed));
 }

@@ -99,7 +99,7 @@ const std::string alternative =
     "--m\nContent-Type: multipart/alternative; boundary=a\n\n"
     "--a\nContent-Type: text/plain\n\nHello\n\n"
     "--a\nContent-Type: text/html; charset=utf-8\n\n<html><body>Hello</body></html>\n\n--a--\n\n"
-    "--m\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nYQ==\n\n--m--\n";
+    "--m\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nYQ==\n--m--\n";
 
 TEST_F(OutlookAlternatives, ThePlainTextGetsTheNoteToo) {
   const auto item = deliver(alternative);
