@@ -93,7 +93,8 @@ class OutlookItems : public testing::Test {
       const auto html = item.body(BodyKind::html);
       const auto text = fill(u"<p>Attachment saved to <a href=\"{}\">{}</a></p>", link, link);
       const TextView tag = atEnd ? u"</body>" : u"<body>";
-      const auto at = html.find(tag);
+      auto at = html.find(tag);
+      if (at == Text::npos) at = html.find(atEnd ? u"</Body>" : u"<Body>");
       Text changed = atEnd ? html + text : text + html;
       if (html.empty()) changed = fill(u"<Body>{}</Body>", text);
       if (at != Text::npos) {
