@@ -9,7 +9,9 @@ import binascii
 import collections
 import hashlib
 import pathlib
+import json
 import random
+import sys
 
 Shape = collections.namedtuple("Shape", "messages attachments size")
 SHAPES = {
@@ -59,3 +61,7 @@ def make(folder, letter, seed=1, scale=1.0):
         digests.update(hashlib.sha256(content).hexdigest() for content in contents)
         (maildir / "cur" / f"{1700000000 + number}.M{number}.bench:2,S").write_bytes(message(number, contents, words))
     return digests
+
+
+if __name__ == "__main__":  # FOLDER LETTER SCALE: makes one, and prints its digests
+    print(json.dumps(make(sys.argv[1], sys.argv[2], scale=float(sys.argv[3]))))
