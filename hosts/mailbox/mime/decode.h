@@ -27,9 +27,11 @@ Encoding encodingNamed(std::string_view value);
 //   uuencode          what stands before "begin" is skipped; a missing "end" or a broken line is doubted
 Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind = {});
 
-// A second decoder for base64 and quoted-printable that shares no code with the first, a byte at a time and
-// strict: none when the input is not exactly as the encoding promises, and for other encodings. What was
-// written is verified with it, a stretch at a time.
+// A second decoder for base64 and quoted-printable that shares no code with the first, without vectors and
+// strict: false when the input is not exactly as the encoding promises, and for other encodings. What was
+// written is verified with it. The sink gets stretches of about 64 KB, the last ones only when all was well.
+bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink);
+// The same for small things, all at once.
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded);
 
 // The whole of it at once, for bodies and other small things; `doubt` may be null.

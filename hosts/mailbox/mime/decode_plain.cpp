@@ -1,5 +1,7 @@
 // The second decoder: strict, a byte at a time, and independent of the first, so that a mistake of one is
 // seen.
+#include <memory>
+
 #include "hosts/mailbox/mime/decode.h"
 
 namespace quillfile::mime {
@@ -24,13 +26,52 @@ struct Kinds {
 };
 constexpr Kinds kinds;
 
+// What was decoded goes on in stretches, so that memory does not grow with it.
+class Stretches {
+ public:
+  explicit Stretches(const Sink& sink) : sink_(sink) {}
+  void add(char byte) { bytes_[size_++] = byte; }
+  void passOn() {
+    if (size_ > 0) sink_({bytes_.get(), size_});
+    size_ = 0;
+  }
+  // To be called before at most `room` bytes are added.
+  void passOnWhenFull() {
+    if (size_ + room > capacity) passOn();
+  }
+
+ private:
+  static constexpr std::size_t capacity = 64 << 10;
+  static constexpr std::size_t room = 8;
+  const Sink& sink_;
+  std::unique_ptr<char[]> bytes_{new char[capacity]};
+  std::size_t size_ = 0;
+};
+
 // Groups of four digits with line ends and blanks anywhere between them; a padded group is the last one.
-bool plainBase64(std::string_view encoded, std::string& out) {
-  out.resize(encoded.size() / 4 * 3 + 3);
-  std::size_t size = 0;
+bool plainBase64(std::string_view encoded, const Sink& sink) {
+  Stretches out{sink};
+  const auto addGroup = [&](unsigned bits) {
+    out.add(static_cast<char>(bits / 65536));
+    out.add(static_cast<char>(bits / 256 % 256));
+    out.add(static_cast<char>(bits % 256));
+  };
   unsigned bits = 0, digits = 0, pads = 0;
-  for (const char c : encoded) {
-    const auto kind = kinds.of[static_cast<unsigned char>(c)];
+  for (std::size_t i = 0; i < encoded.size(); ++i) {
+    out.passOnWhenFull();
+    const auto kindAt = [&](std::size_t n) -> unsigned {
+      return kinds.of[static_cast<unsigned char>(encoded[n])];
+    };
+    // Nearly all groups stand together.
+    if (digits == 0 && pads == 0 && encoded.size() - i >= 4) {
+      const unsigned a = kindAt(i), b = kindAt(i + 1), c = kindAt(i + 2), d = kindAt(i + 3);
+      if ((a | b | c | d) < blank) {
+        addGroup(((a * 64 + b) * 64 + c) * 64 + d);
+        i += 3;
+        continue;
+      }
+    }
+    const unsigned kind = kindAt(i);
     if (kind == blank) continue;
     if (kind == other || (kind == pad && (digits < 2 || digits + pads == 4)) || (kind < blank && pads > 0))
       return false;
@@ -40,16 +81,12 @@ bool plainBase64(std::string_view encoded, std::string& out) {
     }
     bits = bits * 64 + kind;
     if (++digits < 4) continue;
-    out[size] = static_cast<char>(bits / 65536);
-    out[size + 1] = static_cast<char>(bits / 256 % 256);
-    out[size + 2] = static_cast<char>(bits % 256);
-    size += 3;
+    addGroup(bits);
     bits = digits = 0;
   }
-  if (digits == 3)
-    out[size++] = static_cast<char>(bits / 1024), out[size++] = static_cast<char>(bits / 4 % 256);
-  if (digits == 2) out[size++] = static_cast<char>(bits / 16);
-  out.resize(size);
+  if (digits == 3) out.add(static_cast<char>(bits / 1024)), out.add(static_cast<char>(bits / 4 % 256));
+  if (digits == 2) out.add(static_cast<char>(bits / 16));
+  out.passOn();
   return digits == 0 || digits + pads == 4;
 }
 
@@ -59,10 +96,12 @@ int hexDigit(char c) {
   return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
-bool plainQuotedPrintable(std::string_view encoded, std::string& out) {
+bool plainQuotedPrintable(std::string_view encoded, const Sink& sink) {
+  Stretches out{sink};
   for (std::size_t i = 0; i < encoded.size(); ++i) {
+    out.passOnWhenFull();
     if (encoded[i] != '=') {
-      out += encoded[i];
+      out.add(encoded[i]);
       continue;
     }
     const auto next = [&](std::size_t n) { return i + n < encoded.size() ? encoded[i + n] : '\n'; };
@@ -71,23 +110,33 @@ bool plainQuotedPrintable(std::string_view encoded, std::string& out) {
     } else if (next(1) == '\r' && next(2) == '\n') {
       i += 2;
     } else if (hexDigit(next(1)) >= 0 && hexDigit(next(2)) >= 0) {
-      out += static_cast<char>(hexDigit(next(1)) * 16 + hexDigit(next(2)));
+      out.add(static_cast<char>(hexDigit(next(1)) * 16 + hexDigit(next(2))));
       i += 2;
     } else {
       return false;
     }
   }
+  out.passOn();
   return true;
 }
 
 }  // namespace
 
+bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink) {
+  switch (encoding) {
+    case Encoding::base64:
+      return plainBase64(encoded, sink);
+    case Encoding::quoted_printable:
+      return plainQuotedPrintable(encoded, sink);
+    default:
+      return false;
+  }
+}
+
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded) {
-  std::string out;
-  const bool exact = encoding == Encoding::base64             ? plainBase64(encoded, out)
-                     : encoding == Encoding::quoted_printable ? plainQuotedPrintable(encoded, out)
-                                                              : false;
-  return exact ? std::optional{std::move(out)} : std::nullopt;
+  std::string all;
+  const bool exact = decodePlain(encoding, encoded, [&](std::string_view bytes) { all += bytes; });
+  return exact ? std::optional{std::move(all)} : std::nullopt;
 }
 
 }  // namespace quillfile::mime

@@ -23,7 +23,7 @@ std::string withoutBrackets(std::string value) {
   return value;
 }
 
-class PartSource final : public AttachmentSource {
+class PartSource final : public AttachmentSource, public std::enable_shared_from_this<PartSource> {
  public:
   PartSource(std::shared_ptr<const Message> message, mime::PartIndex part, std::int32_t number)
       : message_(std::move(message)), part_(part), number_(number) {}
@@ -64,10 +64,7 @@ class PartSource final : public AttachmentSource {
   }
 
   Content content() const override {
-    return [message = message_, part = part_](const Sink& sink) {
-      const auto& at = message->tree()[part];
-      mime::decode(at.encoding, message->tree().body(part), sink, message->behind(at.body));
-    };
+    return [self = shared_from_this()](const Sink& sink) { self->decode(sink); };
   }
   std::optional<mime::PartIndex> part() const override { return part_; }
 
@@ -80,15 +77,19 @@ class PartSource final : public AttachmentSource {
     return children.empty() ? Text{} : tree().header(children.front()).text("Subject");
   }
 
-  void measure() const {
-    if (size_ >= 0) return;
+  // Whoever decodes learns the size and the doubt on the way.
+  void decode(const Sink& sink) const {
     std::int64_t size = 0;
     const auto& at = tree()[part_];
-    doubt_ = mime::decode(
-        at.encoding, tree().body(part_),
-        [&](std::string_view bytes) { size += static_cast<std::int64_t>(bytes.size()); },
-        message_->behind(at.body));
+    const auto counted = [&](std::string_view bytes) {
+      size += static_cast<std::int64_t>(bytes.size());
+      sink(bytes);
+    };
+    doubt_ = mime::decode(at.encoding, tree().body(part_), counted, message_->behind(at.body));
     size_ = size;
+  }
+  void measure() const {
+    if (size_ < 0) decode([](std::string_view) {});
   }
 
   std::shared_ptr<const Message> message_;
