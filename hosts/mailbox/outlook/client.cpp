@@ -179,7 +179,7 @@ void MailClient::storeDraft(MailboxItem& item) {
   const auto drafts = setup_.store.need(FolderRole::drafts);
   commit();  // what the draft carries may be a file that is still on its way
   const auto made = rewrite(item.message(), item.bodies(), item.changes_, item.removedBefore_);
-  item.unique_ = drafts->create(made.content, "D");
+  item.unique_ = drafts->create(made.content, "D", ownUniqueName(drafts->path()));
   item.folder_ = drafts;
   item.forget();
   items_[drafts->itemId(item.unique_)] = item.weak_from_this();

@@ -101,8 +101,8 @@ class Batch {
 
   SavedFiles& files() { return files_; }
 
-  // Takes a change. The answer is the unique name that the message will have: a fresh one when `content` is
-  // set, else the one it has. The message itself is as it was until its group has been flushed.
+  // Takes a change. The answer is the unique name that the message will have: a fresh one, its new
+  // folder's own, when `content` or `moveTo` is set, else the one it has. The message itself is as it was until its group has been flushed.
   std::string change(MessageChange change);
 
   // Nothing of the event just handled is still to come: flushes when enough has been gathered. The flush runs

@@ -52,7 +52,8 @@ BatchChange::BatchChange(MessageChange change, std::shared_ptr<MaildirHandles> s
   report_.folder = change_.folder;
   report_.unique = change_.unique;
   report_.newFolder = change_.moveTo ? change_.moveTo : change_.folder;
-  report_.newUnique = change_.content ? freshUniqueName() : change_.unique;
+  const bool named = change_.content || change_.moveTo;
+  report_.newUnique = named ? ownUniqueName(report_.newFolder->path()) : change_.unique;
 }
 
 BatchChange::~BatchChange() {
@@ -170,7 +171,7 @@ void BatchChange::changeWithoutRewriting() {
     if (!change_.setFlags.empty() || !change_.clearFlags.empty())
       there = folder.changeFlags(change_.unique, change_.setFlags, change_.clearFlags);
     if (there && change_.moveTo) {
-      const auto moved = folder.moveTo(*change_.moveTo, change_.unique);
+      const auto moved = folder.moveTo(*change_.moveTo, change_.unique, report_.newUnique);
       there = moved.has_value();
       if (moved) report_.newUnique = *moved;
     }

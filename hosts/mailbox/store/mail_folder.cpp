@@ -67,6 +67,11 @@ void MailFolder::noteLocation(std::string_view unique, Location location) const 
   notedLocations_.insert_or_assign(std::string{unique}, std::move(location));
 }
 
+void MailFolder::forgetLocations() const {
+  remembered_.reset();
+  notedLocations_.clear();
+}
+
 std::shared_ptr<MessageFile> MailFolder::open(std::string_view unique) const {
   for (int i = 0; i < renameTries; ++i) {
     const auto location = find(unique);
@@ -92,8 +97,10 @@ bool MailFolder::changeFlags(std::string_view unique, std::string_view set, std:
   neverStill("mark the message", itemId(unique));
 }
 
-std::optional<std::string> MailFolder::moveTo(const MailFolder& target, std::string_view unique) const {
-  std::string newUnique{unique};
+std::optional<std::string> MailFolder::moveTo(const MailFolder& target, std::string_view unique,
+                                              std::string newUnique) const {
+  const std::string forCopy = newUnique.empty() ? freshUniqueName() : newUnique;
+  if (newUnique.empty()) newUnique = unique;
   for (int i = 0; i < renameTries; ++i) {
     const auto location = find(unique);
     if (!location) return std::nullopt;
@@ -106,7 +113,7 @@ std::optional<std::string> MailFolder::moveTo(const MailFolder& target, std::str
     if (error == EXDEV) {
       const auto message = MessageFile::open(from);
       if (!message) continue;
-      newUnique = target.create([message](const Sink& sink) { sink(message->bytes()); }, flags);
+      newUnique = target.create([message](const Sink& sink) { sink(message->bytes()); }, flags, forCopy);
       if (::unlink(from.c_str()) == 0) return newUnique;
       throw fromErrno(errno, "delete the message that was copied", from);
     }
@@ -130,8 +137,7 @@ bool MailFolder::erase(std::string_view unique) const {
   neverStill("delete the message", itemId(unique));
 }
 
-std::string MailFolder::create(const Content& content, std::string_view flags) const {
-  std::string unique = freshUniqueName();
+std::string MailFolder::create(const Content& content, std::string_view flags, std::string unique) const {
   const std::string temporary = directory_ + "/tmp/" + temporaryMessageName(unique);
   const Descriptor file{::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)};
   if (!file) throw fromErrno(errno, "create the message", temporary);

@@ -11,6 +11,7 @@
 
 #include "hosts/mailbox/services/content.h"
 #include "hosts/mailbox/store/listing.h"
+#include "hosts/mailbox/store/maildir_name.h"
 #include "hosts/mailbox/store/message_file.h"
 
 namespace quillfile::mailbox {
@@ -52,6 +53,8 @@ class MailFolder {
   // What a caller has just learned about where a message is (a watch, an own rename) saves find() the
   // reading.
   void noteLocation(std::string_view unique, Location location) const;
+  // Forgets all that; what a reading of a large folder keeps is worth giving back before a long rest.
+  void forgetLocations() const;
   std::string filePath(const Location& location) const;
   // Opens it wherever it is now; null when it is gone. Throws Failure.
   std::shared_ptr<MessageFile> open(std::string_view unique) const;
@@ -62,14 +65,18 @@ class MailFolder {
   bool setFlag(std::string_view unique, char flag, bool set) const {
     return changeFlags(unique, {&flag, set ? 1u : 0u}, {&flag, set ? 0u : 1u});
   }
-  // Moves the message, its flags kept, and gives its unique name there: the same, unless that is taken. None
-  // when it is gone. Throws Failure.
-  std::optional<std::string> moveTo(const MailFolder& target, std::string_view unique) const;
+  // Moves the message, its flags kept, and gives its unique name there: `newUnique`, the same where that is
+  // empty, another when it is taken. None when it is gone. Throws Failure.
+  std::optional<std::string> moveTo(const MailFolder& target, std::string_view unique,
+                                    std::string newUnique = {}) const;
   // Deletes the message for good. False when it was gone already. Throws Failure.
   bool erase(std::string_view unique) const;
   // Writes a new message into cur/ (written and flushed in tmp/ first) and gives its unique name. `flags` as
   // in the file name: a draft has "D". Throws Failure, and then nothing was created.
-  std::string create(const Content& content, std::string_view flags) const;
+  std::string create(const Content& content, std::string_view flags) const {
+    return create(content, flags, freshUniqueName());
+  }
+  std::string create(const Content& content, std::string_view flags, std::string unique) const;
 
  private:
   std::string directory_;

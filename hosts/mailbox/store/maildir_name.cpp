@@ -65,16 +65,41 @@ std::int64_t deliveryTime(std::string_view unique) {
   return seconds < 0 ? 0 : seconds;
 }
 
-std::string freshUniqueName() {
+namespace {
+
+std::string freshName(std::string_view mark) {
   static const std::string host = hostName();
   static const std::uint32_t random = randomNumber();
   static std::atomic<std::uint32_t> counter{0};
   timeval now{};
   ::gettimeofday(&now, nullptr);
   char text[128];
-  std::snprintf(text, sizeof text, "%lld.M%06ldP%dQ%uR%08x.", static_cast<long long>(now.tv_sec),
+  std::snprintf(text, sizeof text, "%lld.M%06ldP%dQ%uR%08x", static_cast<long long>(now.tv_sec),
                 static_cast<long>(now.tv_usec), static_cast<int>(::getpid()), ++counter, random);
-  return text + host;
+  return std::string{text}.append(mark) + "." + host;
+}
+
+// "F" and a hash of the folder's path: FNV-1a, 32 bits.
+std::string folderMark(std::string_view folder) {
+  std::uint32_t hash = 0x811C9DC5;
+  for (const char c : folder) hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193;
+  char text[16];
+  std::snprintf(text, sizeof text, "F%08x", hash);
+  return text;
+}
+
+}  // namespace
+
+std::string freshUniqueName() { return freshName({}); }
+
+std::string ownUniqueName(std::string_view folder) { return freshName(folderMark(folder)); }
+
+bool isOwnIn(std::string_view folder, std::string_view unique) {
+  const auto first = unique.find('.');
+  if (first == std::string_view::npos) return false;
+  const auto middle = unique.substr(first + 1, unique.find('.', first + 1) - first - 1);
+  return middle.starts_with('M') && middle.find('Q') != std::string_view::npos &&
+         middle.ends_with(folderMark(folder));
 }
 
 }  // namespace quillfile::mailbox

@@ -31,4 +31,10 @@ std::int64_t deliveryTime(std::string_view unique);
 // name. It carries no size or UID mark.
 std::string freshUniqueName();
 
+// The same for a message that Quillfile makes in, or moves to, the folder with that shown path: the name says
+// so. Whoever looks for mail that arrived there knows from the name alone, in any process and after any
+// crash, that this is none; moved on to another folder by another program, it is a message like any other.
+std::string ownUniqueName(std::string_view folder);
+bool isOwnIn(std::string_view folder, std::string_view unique);
+
 }  // namespace quillfile::mailbox
