@@ -36,6 +36,7 @@ class MailboxEngine : public ModuleHost, public EngineServices, public EngineUti
 
   // The ids of the folders that the module asked to be told about.
   const std::set<std::string>& watchedFolders() const { return watched_; }
+  void forgetWatchedFolders() { watched_.clear(); }
   // The event that the module handled is over: its changes go to the batch, and what it gave up goes to the
   // trash.
   void endOfEvent();

@@ -5,6 +5,7 @@
 #include "core/links/link_commands.h"
 #include "core/links/quillfile_extended.h"
 #include "core/module/module.h"
+#include "core/module/procedure.h"
 #include "core/platform/platform.h"
 #include "core/settings/settings.h"
 #include "hosts/mailbox/engine/host_user.h"
@@ -18,6 +19,7 @@
 #include "hosts/mailbox/services/leftovers.h"
 #include "hosts/mailbox/services/letters.h"
 #include "hosts/mailbox/services/programs.h"
+#include "hosts/mailbox/services/run_flags.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -39,6 +41,7 @@ std::string installationFolder() {
 struct Session::Parts {
   explicit Parts(const SessionSetup& setup)
       : settings(setup.settings),
+        flags(settings),
         trace(setup.trace),
         store(MailStore::open(setup.mail)),
         report(setup.listeners),
@@ -68,7 +71,7 @@ struct Session::Parts {
                 .utilities = engine,
                 .log = trace,
                 .mailHelper = client->helper(),
-                .settings = settings,
+                .settings = flags,
                 .files = files,
                 .linkedFiles = linkedFiles,
                 .fileTimes = fileTimes,
@@ -89,6 +92,7 @@ struct Session::Parts {
   Ref<ModuleHost> engineRef() { return {std::shared_ptr<void>(), &engine}; }
 
   SettingsFile settings;
+  RunFlags flags;
   TraceFile trace;
   std::shared_ptr<MailStore> store;
   RunReport report;
@@ -197,20 +201,45 @@ void Session::restore(const std::shared_ptr<MailboxItem>& item) {
 void Session::deleteItem(const std::shared_ptr<MailboxItem>& item) {
   const auto deleted = parts_->store->need(FolderRole::deleted);
   const bool arrives = item->folder()->path() != deleted->path();
-  const std::string unique = item->unique();
   item->remove();
   endOfEvent();
   parts_->batch.commit();
-  const auto moved = arrives ? parts_->client->item(fromUtf8(deleted->itemId(unique))) : nullptr;
+  const auto moved = arrives ? parts_->client->item(fromUtf8(deleted->itemId(item->unique()))) : nullptr;
   if (!moved) return;  // it went for good, or could not be moved, which has been reported
   parts_->module.api().CEItemEvent(1, moved, fromUtf8(deleted->entryId()), fromUtf8(deleted->storeId()));
   endOfEvent();
 }
 
-void Session::endOfEvent() { parts_->endOfEvent(); }
+std::set<std::string> Session::watchedFolders(bool anew) {
+  if (anew) {
+    parts_->engine.forgetWatchedFolders();
+    parts_->module.api().CEExplorerOpen(parts_->client->explorer());
+  }
+  return parts_->engine.watchedFolders();
+}
+
+void Session::arrived(const std::shared_ptr<MailFolder>& folder, const std::string& unique) {
+  const auto item = parts_->client->item(folder, unique);
+  parts_->module.api().CEItemEvent(1, item, fromUtf8(folder->entryId()), fromUtf8(folder->storeId()));
+  endOfEvent();
+  parts_->batch.commit();
+}
+
+void Session::reportError(TextView message, TextView source) {
+  parts_->engine.reportError(message, 0, source);
+}
+
+void Session::endOfEvent() {
+  parts_->endOfEvent();
+  guarded([&](Step&) { return parts_->flags.settle(), true; },
+          [&](const Failure& failure, const Step&) {
+            parts_->engine.reportError(failure.description, 0, u"Quillfile.Settings");
+            return false;
+          });
+}
 
 void Session::finish() {
-  parts_->endOfEvent();
+  endOfEvent();
   parts_->batch.commit();
   parts_->module.api().CEShutdown();
   parts_->progress.stop();

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -71,6 +72,14 @@ class Session {
   void deleteItem(const std::shared_ptr<MailboxItem>& item);
   // Puts the saved files back into an item and takes the links out; files that are gone are reported.
   void restore(const std::shared_ptr<MailboxItem>& item);
+
+  // The ids of the folders that the module wants to hear of; with `anew`, as the settings are by now.
+  std::set<std::string> watchedFolders(bool anew = false);
+  // A message has arrived in a watched folder: the module handles it, and all of that is on disk when this
+  // returns.
+  void arrived(const std::shared_ptr<MailFolder>& folder, const std::string& unique);
+  // Reports an error of the engine's own, as the module's are.
+  void reportError(TextView message, TextView source);
 
   // The paths that the link notes in an item's body name, in their order.
   std::vector<std::string> linksIn(MailboxItem& item);

@@ -20,6 +20,9 @@ std::string bytesAt(Batch& batch, const std::string& path) {
 void MailboxAttachment::saveAsFile(TextView path) {
   const auto client = item_->client();
   auto& changes = item_->changes_;
+  // Two processes never save from one message at once: the second would only add a file of the same content.
+  if (const auto& message = item_->message_; message && message->file() && !message->file()->lock())
+    throw failure("Another program is working on the message");
   auto file = client->setup().batch.files().save(toUtf8(path), source_->content());
   file->item = toUtf8(item_->entryId());
   file->attachment = toUtf8(fileName());
