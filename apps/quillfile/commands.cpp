@@ -11,11 +11,12 @@ struct Runner {
   int (*run)(const Options&);
 };
 
-constexpr std::array<Runner, 15> runners = {{
+constexpr std::array<Runner, 16> runners = {{
     {"folders", runFolders},
     {"list", runList},
     {"show", runShow},
     {"save", runSave},
+    {"watch", runWatch},
     {"monitor", runMonitor},
     {"forward", runRespond},
     {"reply", runRespond},
