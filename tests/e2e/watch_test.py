@@ -1,0 +1,228 @@
+"""`quillfile watch`: each message that arrives is handled once, whatever moves, restarts and fails meanwhile."""
+import os
+import shutil
+import signal
+import sys
+import time
+
+from watching import PROGRAM, Home, attachments, message, wait_until
+
+
+def stripped(home, folder=""):
+    return [made["Subject"] for made in home.messages(folder).values() if not attachments(made)]
+
+
+def what_is_there_at_the_first_look_counts_as_seen(home):
+    shutil.rmtree(home.root / "state")
+    home.deliver(message("old"))
+    assert home.once()["saved"] == []
+    home.deliver(message("fresh"))
+    done = home.once()
+    assert [os.path.basename(entry["path"]) for entry in done["saved"]] == ["a.pdf"], done
+    assert done["count"] == 1 and len(done["items"]) == 1, done
+    assert stripped(home) == ["fresh"]
+    assert home.once()["saved"] == [], "its own rewrite is no arrival"
+
+
+def arrivals_are_handled_once_each_wherever_they_move(home):
+    watch = home.watch()
+    name = home.deliver(message("plain", attachments=()))
+    wait_until(lambda: len(home.documents_printed()) == 1, "a document for the message")
+    os.rename(home.mail / "new" / name, home.mail / "cur" / (name + ":2,"))
+    os.rename(home.mail / "cur" / (name + ":2,"), home.mail / "cur" / (name + ":2,S"))
+    home.deliver(message("one"), into="cur", flags=":2,F")
+    wait_until(lambda: stripped(home) == ["plain", "one"] or stripped(home) == ["one", "plain"], "the next one")
+    home.stop(watch)
+    printed = home.documents_printed()
+    assert [len(document["saved"]) for document in printed] == [0, 1], printed
+    assert [name for name, made in home.messages().items() if made["Subject"] == "one"][0].endswith(":2,F")
+
+
+def a_restart_catches_up_oldest_first(home):
+    home.stop(home.watch())
+    for number in (1, 2, 3):
+        home.deliver(message(f"m{number}", [(f"{number}.pdf", b"x")]), name=f"{number}00.M1P1.host")
+    watch = home.watch()
+    wait_until(lambda: len(home.documents_printed()) == 3, "three documents")
+    paths = [os.path.basename(document["saved"][0]["path"]) for document in home.documents_printed()]
+    assert paths == ["1.pdf", "2.pdf", "3.pdf"], paths
+    home.stop(watch)
+    assert home.once()["saved"] == []
+
+
+def a_message_that_is_being_copied_into_place_is_waited_for(home):
+    watch = home.watch()
+    content = message("slow", [("big.pdf", b"y" * 200_000)])
+    with open(home.mail / "new" / "1.slow", "wb") as file:
+        file.write(content[:50_000])
+        file.flush()
+        time.sleep(1.5)
+        file.write(content[50_000:])
+    wait_until(lambda: home.saved() != [], "the attachment is saved")
+    assert [path.stat().st_size for path in home.documents.rglob("big*.pdf")] == [200_000]
+    home.stop(watch)
+
+
+def a_folder_made_or_replaced_meanwhile_is_watched(home):
+    home.run("settings", "set", "FolderCount", "2")
+    home.run("settings", "set", "FolderEntryId2", "Work")
+    watch = home.watch()
+    work = home.mail / ".Work"
+    for turn in (1, 2):
+        for name in ("tmp", "new", "cur"):
+            (work / name).mkdir(parents=True)
+        home.deliver(message(f"made {turn}", [(f"made{turn}.pdf", b"x")]), folder=".Work")
+        wait_until(lambda: f"made{turn}.pdf" in " ".join(home.saved()), "mail in a new folder")
+        home.deliver(message(f"more {turn}", [(f"more{turn}.pdf", b"x")]), folder=".Work")
+        wait_until(lambda: f"more{turn}.pdf" in " ".join(home.saved()), "more of it")
+        os.rename(work, home.root / f"gone{turn}")
+    home.stop(watch)
+
+
+def monitored_folders_and_settings_apply_from_the_next_item(home):
+    (home.mail / ".Later").mkdir()
+    for name in ("tmp", "new", "cur"):
+        (home.mail / ".Later" / name).mkdir()
+    watch = home.watch()
+    home.run("monitor", "Later")
+    home.run("settings", "set", "RemoveAttachment", "0")
+    time.sleep(0.5)
+    home.deliver(message("later"), folder=".Later")
+    wait_until(lambda: home.saved() != [], "mail in a folder that is monitored since")
+    home.stop(watch)
+    assert stripped(home, ".Later") == [] and len(home.saved()) == 1
+    assert home.once()["saved"] == [], "it is not handled again"
+
+
+def polling_sees_the_same(home):
+    watch = home.watch("--poll", "1")
+    home.deliver(message("polled"))
+    wait_until(lambda: stripped(home) == ["polled"], "a look")
+    home.stop(watch)
+
+
+def sent_mail_follows_the_send_options(home):
+    home.run("settings", "set", "SendRemoveAttachments", "1")
+    home.deliver(message("sent"), folder=".Sent", into="cur", flags=":2,S")
+    assert len(home.once()["saved"]) == 1
+    assert stripped(home, ".Sent") == ["sent"]
+
+
+def deleted_mail_keeps_its_files_unless_told_otherwise(home):
+    home.deliver(message("first", [("keep.pdf", b"x")]))
+    home.deliver(message("second", [("drop.pdf", b"x")]))
+    home.once()
+    names = {made["Subject"]: name for name, made in home.messages().items()}
+    move = lambda subject: os.rename(home.mail / "cur" / names[subject], home.mail / ".Trash/cur" / names[subject])
+    move("first")
+    assert home.once()["deleted_files"] == []
+    move("second")
+    done = home.once("--answer", "yes")
+    assert [os.path.basename(path) for path in done["deleted_files"]] == ["drop.pdf"], done
+    assert [os.path.basename(path) for path in home.saved()] == ["keep.pdf"]
+
+
+def its_own_deletions_are_not_the_users(home):
+    """After-save action 2 moves the message to Deleted Items; the saved file must stay."""
+    home.run("settings", "set", "PostProcess", "2")
+    home.deliver(message("goes"))
+    home.once("--answer", "yes")
+    home.once("--answer", "yes")
+    assert [made["Subject"] for made in home.messages(".Trash").values()] == ["goes"]
+    assert len(home.saved()) == 1
+
+
+def a_message_that_fails_three_times_is_set_aside(home):
+    home.run("settings", "set", "SavePath", "/proc/nowhere/")
+    home.deliver(message("bad"))
+    for turn in (1, 2, 3):
+        home.deliver(message(f"plain {turn}", attachments=()))
+        errors = home.once(status=1)["errors"]
+        assert any("left alone" in error["message"] for error in errors) == (turn == 3), errors
+    home.run("settings", "set", "SavePath", str(home.documents))
+    assert home.once()["saved"] == []
+
+
+def a_message_that_ends_the_program_is_set_aside(home):
+    """A program that is run on each file kills the watch: what a crash in the middle of an item leaves."""
+    killer = home.root / "kill.sh"
+    killer.write_text("#!/bin/sh\ncase $1 in *bad*) kill -9 $PPID;; esac\n")
+    killer.chmod(0o755)
+    home.run("settings", "set", "ExecuteWanted", "1")
+    home.run("settings", "set", "ExecuteCommandLine", f"{killer} %1")
+    home.run("settings", "set", "RemoveAttachment", "0")
+    home.deliver(message("bad", [("bad.pdf", b"x")]), name="100.bad")
+    home.deliver(message("good", [("good.pdf", b"x")]), name="200.good")
+    crashes = 0
+    while home.run("watch", "--once", status=None).returncode < 0:
+        crashes += 1
+        assert crashes < 10
+    if crashes == 0:
+        print("the program that was started does not run as a child here; nothing crashed")
+        return
+    assert crashes == 3, crashes
+    assert any("good" in path for path in home.saved())
+
+
+def a_signal_ends_it_after_the_item_in_hand(home):
+    for number in range(30):
+        home.deliver(message(f"m{number}", [(f"{number}.pdf", b"z" * 100_000)]))
+    watch = home.watch()
+    wait_until(lambda: home.saved() != [], "the first file")
+    watch.send_signal(signal.SIGINT)
+    assert watch.wait(20) == 0, home.errors()
+    done = len(home.documents_printed())
+    assert len(stripped(home)) == done and len(home.saved()) == done
+    rest = home.once()
+    assert len(rest["saved"]) == 30 - done and sorted(stripped(home)) == sorted(f"m{n}" for n in range(30))
+
+
+def another_watch_is_refused(home):
+    watch = home.watch()
+    assert "Another watch" in home.run("watch", "--once", status=3).stderr
+    home.stop(watch)
+
+
+def it_says_when_nothing_will_be_saved(home):
+    home.run("settings", "set", "AutomaticMode", "0")
+    said = home.run("watch", "--once").stdout
+    assert "Watching Inbox" in said and "settings set AutomaticMode 1" in said and "Documents" in said, said
+    assert home.run("watch", "--once", "--quiet").stdout == ""
+
+
+def at_rest_it_costs_nothing(home):
+    watch = home.watch()
+    home.deliver(message("one"))
+    wait_until(lambda: stripped(home) == ["one"], "the first message")
+    time.sleep(0.5)
+    status = lambda: dict(line.split(":", 1) for line in open(f"/proc/{watch.pid}/status"))
+    before = status()
+    time.sleep(3)
+    after = status()
+    assert before["voluntary_ctxt_switches"] == after["voluntary_ctxt_switches"], "it woke up"
+    assert int(after["VmRSS"].split()[0]) < 20_000, after["VmRSS"]
+    home.stop(watch)
+
+
+CASES = [value for value in list(globals().values())
+         if callable(value) and getattr(value, "__code__", None) and value.__code__.co_varnames[:1] == ("home",)
+         and value is not stripped]
+
+if __name__ == "__main__":
+    if not os.access(PROGRAM, os.X_OK):
+        sys.exit(77)
+    wanted = sys.argv[1:]
+    for case in CASES:
+        if wanted and case.__name__ not in wanted:
+            continue
+        began = time.monotonic()
+        home = Home()
+        try:
+            case(home)
+        except BaseException:
+            print(f"FAILED {case.__name__}\n{home.errors()}", flush=True)
+            raise
+        finally:
+            home.close()
+        shutil.rmtree(home.root)
+        print(f"{time.monotonic() - began:5.1f} s  {case.__name__}", flush=True)
