@@ -78,11 +78,11 @@ class Home:
         return sorted(str(p.relative_to(self.documents)) for p in self.documents.rglob("*") if p.is_file())
 
     def watch(self, *words):
+        started = self.announcements() + 1
         process = subprocess.Popen([PROGRAM, "watch", "--json", *words], env=self.environment, text=True,
                                    stdin=subprocess.DEVNULL, stdout=open(self.root / "out", "a"),
                                    stderr=open(self.root / "err", "a"))
         self.watches.append(process)
-        started = self.announcements() + 1
         wait_until(lambda: self.announcements() >= started or process.poll() is not None, "the watch starts")
         assert process.poll() is None, self.errors()
         return process
