@@ -80,7 +80,8 @@ class Printer {
 
   void handled() {
     // The module's own counter begins anew on one of its paths and not on the other.
-    report_.count = static_cast<std::int32_t>(report_.saved.size());
+    report_.count = 0;
+    for (const auto& entry : report_.saved) report_.count += entry.fileName.empty() ? 0 : 1;
     if (options_.once) {
       gather();
     } else if (options_.json) {
