@@ -75,7 +75,8 @@ class Home:
         return found
 
     def saved(self):
-        return sorted(str(p.relative_to(self.documents)) for p in self.documents.rglob("*") if p.is_file())
+        """Without the hidden files that are not whole yet."""
+        return sorted(str(path.relative_to(self.documents)) for path in self.documents.rglob("[!.]*") if path.is_file())
 
     def watch(self, *words):
         started = self.announcements() + 1
