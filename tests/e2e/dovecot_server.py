@@ -1,4 +1,8 @@
-"""Dovecot on loopback, without privileges, over the Maildir of one home; and what Debian calls its programs."""
+"""Dovecot on loopback, without privileges, over the Maildir of one home."""
+import email
+import email.policy
+import encodings.ascii
+import encodings.idna  # what is imported late could not be read by then, where Python lies in root's home
 import imaplib
 import os
 import pwd
@@ -7,6 +11,8 @@ import socket
 import subprocess
 import tempfile
 import time
+
+from watching import message
 
 LDA = "/usr/lib/dovecot/dovecot-lda"
 
@@ -65,6 +71,7 @@ def missing_programs(*names):
 
 def run_as_nobody():
     """Dovecot serves nobody's mail as root: root becomes nobody, for the rest of the test."""
+    email.message_from_bytes(message("first"), policy=email.policy.default).get_body().get_content()
     if os.geteuid() == 0:
         nobody = pwd.getpwnam("nobody")
         os.setgroups([])
