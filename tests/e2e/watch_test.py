@@ -95,6 +95,39 @@ def monitored_folders_and_settings_apply_from_the_next_item(home):
     assert home.once()["saved"] == [], "it is not handled again"
 
 
+def more_events_than_the_system_keeps_lose_nothing(home):
+    watch = home.watch()
+    watch.send_signal(signal.SIGSTOP)
+    kept = int(open("/proc/sys/fs/inotify/max_queued_events").read())
+    name = home.deliver(message("first", [("first.pdf", b"x")]))
+    junk = home.deliver(message("junk", attachments=()), into="cur", flags=":2,")
+    for turn in range(kept // 2 + 100):
+        os.rename(home.mail / "cur" / (junk + ":2,"), home.mail / "cur" / (junk + ":2,S"))
+        os.rename(home.mail / "cur" / (junk + ":2,S"), home.mail / "cur" / (junk + ":2,"))
+    home.deliver(message("last", [("last.pdf", b"x")]))
+    watch.send_signal(signal.SIGCONT)
+    wait_until(lambda: len(home.documents_printed()) == 3, "all three")
+    home.stop(watch)
+    assert [os.path.basename(path) for path in home.saved()] == ["first.pdf", "last.pdf"], home.saved()
+    assert name not in home.messages() and sorted(stripped(home)) == ["first", "junk", "last"]
+
+
+def a_save_by_hand_beside_it_shares_the_messages(home):
+    """Each is saved from once, no file is overwritten, and nobody's run is taken for the other's."""
+    home.run("settings", "set", "OptionalRenameWanted", "1")  # asks for a path in a manual run, and only there
+    watch = home.watch("--answer", "cancel")
+    for number in range(40):
+        home.deliver(message(f"m{number}", [("same.pdf", b"%d" % number * 100)]))
+        if number % 4 == 3:
+            home.run("--answer", "yes", "save", status=None)
+    wait_until(lambda: len(stripped(home)) == 40, "all forty are stripped")
+    home.stop(watch)
+    contents = sorted(path.read_bytes() for path in home.documents.rglob("[!.]*.pdf"))
+    assert contents == sorted(b"%d" % number * 100 for number in range(40)), len(contents)
+    assert sorted(stripped(home)) == sorted(f"m{number}" for number in range(40))
+    assert home.run("settings", "get", "ButtonClicked").stdout.strip() == "0"
+
+
 def polling_sees_the_same(home):
     watch = home.watch("--poll", "1")
     home.deliver(message("polled"))
