@@ -62,7 +62,8 @@ class MailboxEngine : public ModuleHost, public EngineServices, public EngineUti
 
   std::int32_t matchText(TextView text, TextView pattern) override;
   Text cleanFileName(TextView text) override;
-  bool fileExists(TextView path) override { return parts_.files.fileListed(path); }
+  // Where the answer is no, the name is this process's until the event is over.
+  bool fileExists(TextView path) override;
   bool createFolderPath(TextView path) override;
   void deleteFile(TextView path) override;
   void discardSavedFile(TextView path) override;

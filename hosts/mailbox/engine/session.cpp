@@ -55,7 +55,8 @@ struct Session::Parts {
           endOfEvent();
           batch.commit();
         }),
-        prompts(terminal, setup.answer, [this](const std::string& path) { return !spokenFor(path); }),
+        prompts(terminal, setup.answer,
+                [this](const std::string& path) { return engine.fileExists(fromUtf8(path)); }),
         progress(terminal, setup.progress),
         user(prompts, progress, report),
         engine({.client = client,
@@ -84,15 +85,6 @@ struct Session::Parts {
                 .installationFolder = fromUtf8(installationFolder())}) {}
 
   void endOfEvent() { engine.endOfEvent(); }
-  // Whether nothing is under `path`; if so, the name is this process's until the event is over, so that a
-  // file that another puts there meanwhile is not taken for one that the user agreed to replace.
-  bool spokenFor(const std::string& path) {
-    const auto taken = [&] { return files.fileListed(fromUtf8(path)); };
-    if (taken()) return false;
-    const std::filesystem::path file{path};
-    ignoringErrors([&] { batch.files().firstFreePath(file.parent_path(), file.stem(), file.extension()); });
-    return !taken();
-  }
   LinkPorts linkPorts(EngineLog& log) {
     return {.services = engine, .log = log, .letters = letters, .linkedFiles = linkedFiles, .paths = paths};
   }
