@@ -101,6 +101,13 @@ class Server:
         program = shutil.which("dovecot") or "/usr/sbin/dovecot"
         self.process = subprocess.Popen([program, "-F", "-c", str(self.configuration)], stdin=subprocess.DEVNULL,
                                         stdout=open(self.root / "out", "w"), stderr=subprocess.STDOUT)
+        try:
+            self.wait_until_it_answers()
+        except BaseException:
+            self.stop()
+            raise
+
+    def wait_until_it_answers(self):
         end = time.monotonic() + 20
         while True:
             try:
