@@ -27,11 +27,11 @@ class HostFileSystem : public FileSystem {
 // A link's text comes out of a mail: only a regular file counts, no device, pipe, directory or symbolic link.
 class HostLinkedFiles : public LinkedFiles {
  public:
-  explicit HostLinkedFiles(const SavedFiles& files) : files_(files) {}
+  explicit HostLinkedFiles(SavedFiles& files) : files_(files) {}
   bool exists(const Ref<SafeItem>& item, TextView path) override;
 
  private:
-  const SavedFiles& files_;
+  SavedFiles& files_;
 };
 
 }  // namespace quillfile::mailbox

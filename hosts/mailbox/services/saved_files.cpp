@@ -72,8 +72,10 @@ void SavedFiles::lock(SaveFolder& folder) {
   }
 }
 
-bool SavedFiles::mayReplace(SaveFolder& folder, const std::string& path, const std::string& name) const {
+bool SavedFiles::mayReplace(SaveFolder& folder, const std::string& path, const std::string& name) {
+  const bool wasFree = free_.erase(path) > 0;
   if (removed_.contains(path)) return true;
+  if (wasFree) return false;
   struct stat status {};
   if (folder.spokenFor(name) ||
       ::fstatat(folder.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
@@ -130,12 +132,15 @@ std::shared_ptr<SavedFile> SavedFiles::waiting(const std::string& path) const {
   return found == waiting_.end() ? nullptr : found->second;
 }
 
-bool SavedFiles::listed(const std::string& askedPath) const {
+bool SavedFiles::listed(const std::string& askedPath) {
   const std::string path = plain(askedPath);
+  free_.erase(path);
   if (waiting_.contains(path)) return true;
   if (removed_.contains(path)) return false;
   struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+  const bool there = ::lstat(path.c_str(), &status) == 0;
+  if (!there) free_.insert(path);
+  return there && !S_ISDIR(status.st_mode);
 }
 
 void SavedFiles::remove(const std::string& askedPath) {

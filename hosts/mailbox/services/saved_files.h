@@ -60,9 +60,9 @@ class SavedFiles {
   explicit SavedFiles(std::function<void()> settle) : settle_(std::move(settle)) {}
 
   // Writes `content` to a temporary file beside `path` and gives the file that now answers under `path`. A
-  // file that already is at `path` is replaced at commit, unless firstFreePath() gave the name out as free; a
-  // read-only one is not: Failure. A waiting file of the same path is abandoned. Throws Failure, and then
-  // nothing is left.
+  // file that already is at `path` is replaced at commit, unless firstFreePath() or listed() called the name
+  // free: then it is another program's, come meanwhile. A read-only one is not: Failure. A waiting file of
+  // the same path is abandoned. Throws Failure, and then nothing is left.
   std::shared_ptr<SavedFile> save(const std::string& path, const Content& content);
 
   // What FileSystem::firstFreePath answers; the name is spoken for from here on. Whatever is on disk under a
@@ -73,7 +73,7 @@ class SavedFiles {
   // The waiting file that answers under `path`; null when there is none.
   std::shared_ptr<SavedFile> waiting(const std::string& path) const;
   // True when `path` names a file, waiting or on disk, that is no directory.
-  bool listed(const std::string& path) const;
+  bool listed(const std::string& path);
   // Deletes the file at `path`. One that is on disk stops answering at once, and goes at commit: when another
   // is saved to its path meanwhile it is replaced in one step. Throws Failure when it is not there or is
   // read-only.
@@ -102,12 +102,13 @@ class SavedFiles {
  private:
   std::shared_ptr<SaveFolder> folderOf(const std::string& directory);
   void lock(SaveFolder& folder);
-  bool mayReplace(SaveFolder& folder, const std::string& path, const std::string& name) const;
+  bool mayReplace(SaveFolder& folder, const std::string& path, const std::string& name);
 
   std::function<void()> settle_;
   std::map<std::string, std::shared_ptr<SaveFolder>, std::less<>> folders_;
   std::unordered_map<std::string, std::shared_ptr<SavedFile>> waiting_;  // by path
   std::unordered_set<std::string> removed_;  // paths on disk, but gone for the caller
+  std::unordered_set<std::string> free_;     // paths at which the caller was told that nothing is
   std::vector<std::pair<std::shared_ptr<SaveFolder>, std::string>> given_;  // paths given out in this event
   GatheredFiles gathered_;
   std::int64_t bytes_ = 0;
