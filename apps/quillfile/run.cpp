@@ -92,7 +92,7 @@ std::unique_ptr<mailbox::Session> openSession(const Options& options) {
       .trace = options.trace,
       .answer = options.answer,
       .progress = !options.quiet,
-      .listeners = {.error = printError, .saved = {}},
+      .listeners = {.error = printError, .saved = {}, .nextItem = {}},
   });
 }
 

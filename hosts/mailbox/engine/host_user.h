@@ -1,5 +1,5 @@
-// HostUser: the port UserInterface of this host: message boxes become lines, questions prompts, the busy
-// cursor the progress display.
+// HostUser: the ports UserInterface and Dialogs of this host: message boxes become lines, questions and forms
+// prompts, the busy cursor the progress display, which makes way for every prompt.
 #pragma once
 
 #include "core/platform/user_interface.h"
@@ -9,7 +9,7 @@
 
 namespace quillfile::mailbox {
 
-class HostUser : public UserInterface {
+class HostUser : public UserInterface, public Dialogs {
  public:
   HostUser(Prompts& prompts, Progress& progress, RunReport& report)
       : prompts_(prompts), progress_(progress), report_(report) {}
@@ -20,6 +20,8 @@ class HostUser : public UserInterface {
   // A box with nothing but OK is kept in the report; a warning in one is an error there too.
   Answer messageBox(TextView text, TextView title, Buttons buttons) override;
   void setPointer(Pointer pointer) override;
+  std::int32_t show(const DeletePrompt& prompt) override;
+  std::optional<Text> show(const SaveAsRequest& request) override;
   void processPendingEvents() override {}  // events wait until this one is handled
 
  private:

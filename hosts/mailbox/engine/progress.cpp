@@ -50,14 +50,14 @@ std::string progressLine(std::int64_t done, std::int64_t items, std::int64_t byt
 
 void Progress::start(std::int64_t items) {
   items_ = items;
-  done_ = bytes_ = 0;
+  begun_ = done_ = bytes_ = 0;
   current_.clear();
   running_ = true;
   started_ = lastDrawn_ = Clock::now();
 }
 
-void Progress::item(std::int64_t done) {
-  done_ = done;
+void Progress::nextItem() {
+  done_ = begun_++;
   draw();
 }
 
@@ -79,9 +79,14 @@ void Progress::draw() {
   terminal_.show("\r\x1b[K" + printable(cutLeft(line, static_cast<Position>(columns()) - 1)));
 }
 
-void Progress::stop() {
+void Progress::pause() {
   if (drawn_) terminal_.show("\r\x1b[K");
-  running_ = drawn_ = false;
+  drawn_ = false;
+}
+
+void Progress::stop() {
+  pause();
+  running_ = false;
 }
 
 }  // namespace quillfile::mailbox

@@ -21,9 +21,10 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   void start(std::int64_t items);
-  void item(std::int64_t done);                            // so many items are done
+  void nextItem();                                         // one more item begins; those before it are done
   void file(const std::string& name, std::int64_t bytes);  // one more file, of so many bytes
-  void stop();                                             // clears the line
+  void pause();                                            // clears the line, so that a question can be asked
+  void stop();                                             // clears the line, and draws no more
 
  private:
   void draw();
@@ -32,7 +33,7 @@ class Progress {
   bool drawing_;
   bool running_ = false;
   bool drawn_ = false;
-  std::int64_t items_ = 0, done_ = 0, bytes_ = 0;
+  std::int64_t items_ = 0, begun_ = 0, done_ = 0, bytes_ = 0;
   std::string current_;
   Clock::time_point started_, lastDrawn_;
 };

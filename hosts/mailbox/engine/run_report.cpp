@@ -45,6 +45,10 @@ void RunReport::onRemovalDeclined(MailboxItem& item, const Text& reason) {
 
 void RunReport::onDisplayed(MailboxItem& item) { drafts.push_back(toUtf8(item.entryId())); }
 
+void RunReport::onNextItem() {
+  if (listeners_.nextItem) listeners_.nextItem();
+}
+
 void RunReport::onChangeFailed(MailboxItem& item, const Text& reason) {
   const std::string id = toUtf8(item.entryId());
   error(fill(u"The message {} was left as it was: {}", fromUtf8(id), reason), 0, hostSource);

@@ -30,10 +30,11 @@ struct ErrorEntry {
 
 class RunReport : public BatchReports, public ClientReports {
  public:
-  // Told of each error as it is reported, and of each saved file once it is durable.
+  // Told of each error as it is reported, and of each saved file once it is durable; each may be none.
   struct Listeners {
     std::function<void(const ErrorEntry&)> error;
     std::function<void(const SavedEntry&)> saved;
+    std::function<void()> nextItem;  // the walk over the selection has come to the next one
   };
   explicit RunReport(Listeners listeners) : listeners_(std::move(listeners)) {}
 
@@ -58,6 +59,7 @@ class RunReport : public BatchReports, public ClientReports {
   void onRemovalDeclined(MailboxItem& item, const Text& reason) override;
   void onDisplayed(MailboxItem& item) override;
   void onChangeFailed(MailboxItem& item, const Text& reason) override;
+  void onNextItem() override;
 
  private:
   Listeners listeners_;

@@ -44,7 +44,8 @@ struct Session::Parts {
         flags(settings),
         trace(setup.trace),
         store(MailStore::open(setup.mail)),
-        report(setup.listeners),
+        progress(terminal, setup.progress),
+        report(withProgress(setup.listeners)),
         batch(report),
         client(MailClient::create({.store = *store, .batch = batch, .reports = report})),
         files(batch.files()),
@@ -57,7 +58,6 @@ struct Session::Parts {
         }),
         prompts(terminal, setup.answer,
                 [this](const std::string& path) { return engine.fileExists(fromUtf8(path)); }),
-        progress(terminal, setup.progress),
         user(prompts, progress, report),
         engine({.client = client,
                 .store = *store,
@@ -80,11 +80,23 @@ struct Session::Parts {
                 .clock = clock,
                 .programs = programs,
                 .user = user,
-                .dialogs = prompts,
+                .dialogs = user,
                 .paths = paths,
                 .installationFolder = fromUtf8(installationFolder())}) {}
 
   void endOfEvent() { engine.endOfEvent(); }
+  RunReport::Listeners withProgress(RunReport::Listeners listeners) {
+    listeners.error = [this, told = std::move(listeners.error)](const ErrorEntry& error) {
+      progress.pause();
+      if (told) told(error);
+    };
+    listeners.nextItem = [this] { progress.nextItem(); };
+    listeners.saved = [this, told = std::move(listeners.saved)](const SavedEntry& file) {
+      progress.file(file.fileName, file.size);
+      if (told) told(file);
+    };
+    return listeners;
+  }
   LinkPorts linkPorts(EngineLog& log) {
     return {.services = engine, .log = log, .letters = letters, .linkedFiles = linkedFiles, .paths = paths};
   }
@@ -95,6 +107,8 @@ struct Session::Parts {
   RunFlags flags;
   TraceFile trace;
   std::shared_ptr<MailStore> store;
+  StandardTerminal terminal;
+  Progress progress;
   RunReport report;
   Batch batch;
   std::shared_ptr<MailClient> client;
@@ -105,9 +119,7 @@ struct Session::Parts {
   UnicodeLetters letters;
   WallClock clock;
   HostPrograms programs;
-  StandardTerminal terminal;
   Prompts prompts;
-  Progress progress;
   HostUser user;
   MailboxEngine engine;
   Module module;

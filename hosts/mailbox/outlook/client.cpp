@@ -106,6 +106,7 @@ void MailClient::telling(MailboxItem& item, Work&& work) {
 }
 
 void MailClient::turnTo(const MailboxItem& next) {
+  setup_.reports.onNextItem();
   if (underWay_.empty()) return;
   handOverAll(&next);
   setup_.batch.eventEnded();

@@ -36,6 +36,8 @@ class ClientReports {
   virtual void onDisplayed(MailboxItem& item) = 0;
   // A change of an item could not be handed to the batch or written to Drafts; the message is as it was.
   virtual void onChangeFailed(MailboxItem& item, const Text& reason) = 0;
+  // Whoever walks over a selection has come to its next item.
+  virtual void onNextItem() {}
 };
 
 struct ClientSetup {
