@@ -37,7 +37,9 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
   Text fileName() const override {
     auto name = mime::cleanName(mime::givenName(header()));
     if (!name.empty() || !isMessage()) return name;
-    const auto subject = mime::cleanName(embeddedSubject() + u".eml");
+    // In a subject a slash is part of the sentence, not the end of a folder's name.
+    const auto sentence = replaceAll(replaceAll(embeddedSubject(), u"/", u"-"), u"\\", u"-");
+    const auto subject = mime::cleanName(sentence + u".eml");
     return subject.empty() || subject == u".eml" ? numberedName(number_) + u".eml" : subject;
   }
 
