@@ -12,10 +12,6 @@
 namespace quillfile::app {
 namespace {
 
-std::string plural(std::size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 // The longest folder that all paths lie in, with its separator.
 std::string commonFolder(const std::vector<mailbox::SavedEntry>& saved) {
   std::string common = saved.front().path;
@@ -30,12 +26,16 @@ void printSaved(const mailbox::RunReport& report) {
   if (report.saved.empty()) return;
   std::int64_t bytes = 0;
   for (const auto& entry : report.saved) bytes += entry.size;
-  std::printf("%s, %s, in %s\n", plural(report.saved.size(), "file", "files").c_str(),
+  std::printf("%s, %s, in %s\n", counted(report.saved.size(), "file", "files").c_str(),
               mailbox::sizeText(bytes).c_str(),
               mailbox::printable(fromUtf8(commonFolder(report.saved))).c_str());
 }
 
 }  // namespace
+
+std::string counted(std::size_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
 
 void printJson(const Json& document) {
   const std::string text = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -109,7 +109,8 @@ int printReport(const Options& options, const mailbox::RunReport& report) {
 
 void printError(const mailbox::ErrorEntry& error) {
   std::fflush(stdout);  // so that both stand in the order in which they happened
-  std::fprintf(stderr, "quillfile: %s\n", mailbox::printable(fromUtf8(error.message)).c_str());
+  const Text sentence = replaceAll(fromUtf8(error.message), u"\r\n", u" ");  // some are two lines of a box
+  std::fprintf(stderr, "quillfile: %s\n", mailbox::printable(sentence).c_str());
 }
 
 }  // namespace quillfile::app

@@ -20,11 +20,13 @@ void printJson(const Json& document);
 void printTable(const std::vector<std::vector<std::string>>& rows,
                 const std::vector<std::size_t>& right = {});
 
+// "1 file", "2 files".
+std::string counted(std::size_t count, const char* one, const char* many);
+
 // The report of a run, field by field.
 Json reportJson(const mailbox::RunReport& report);
 
-// Prints how a run ended, in the form that the options ask for, and gives the exit status. `folder` is where
-// the files went, for the sentence.
+// Prints how a run ended, in the form that the options ask for, and gives the exit status.
 int printReport(const Options& options, const mailbox::RunReport& report);
 
 // Prints an error as it happens, on standard error.

@@ -1,3 +1,5 @@
+#include <cstdio>
+
 #include "apps/quillfile/commands.h"
 #include "apps/quillfile/output.h"
 #include "apps/quillfile/run.h"
@@ -14,6 +16,9 @@ int runDelete(const Options& options) {
   session->select(folder, items);
   for (const auto& item : items) session->deleteItem(item);
   session->finish();
+  if (!options.json && !options.quiet) {
+    std::printf("%s deleted\n", counted(session->report().items.size(), "message", "messages").c_str());
+  }
   return printReport(options, session->report());
 }
 

@@ -40,6 +40,15 @@ std::vector<Row> rowsOf(mailbox::SettingsFile& settings) {
   return rows;
 }
 
+// The first start of the module writes its settings over what stands there. Somebody who changes one before
+// that wants to find it again.
+void makeFirstRun(const Options& options, mailbox::SettingsFile& settings) {
+  if (settings.read(mailbox::engineName, section, u"SaveAllAttachments")) return;
+  const auto session = openSession(options);
+  session->start();
+  session->finish();
+}
+
 int listSettings(const Options& options, mailbox::SettingsFile& settings) {
   Json document = Json::array();
   std::vector<std::vector<std::string>> rows = {{"SETTING", "VALUE", "", "MEANING"}};
@@ -75,6 +84,7 @@ int getSetting(const Options& options, mailbox::SettingsFile& settings) {
 int setSetting(const Options& options, mailbox::SettingsFile& settings) {
   const std::string& key = options.arguments.at(0);
   const auto [value, warning] = checkedValue(settingNamed(key), key, options.arguments.at(1));
+  makeFirstRun(options, settings);
   settings.write(mailbox::engineName, section, fromUtf8(key), fromUtf8(value));
   if (!warning.empty()) std::fprintf(stderr, "quillfile: %s\n", warning.c_str());
   if (options.json) printJson({{"key", key}, {"value", value}, {"set", true}});
