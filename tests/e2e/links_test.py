@@ -1,0 +1,171 @@
+"""The way back: restore, forward, reply and reply-all of messages that were stripped."""
+import unittest
+
+from harness import Case, mail, main, parsed
+
+FILES = {"report.pdf": b"%PDF \x00\xff\r\n" * 300, "notes & plans #2.txt": b"plain\nlines\n", "empty.bin": b""}
+NAMES = {"notes & plans #2.txt": "notes - plans -2.txt"}
+
+
+def stripped(case, **content):
+    """A message with the files, saved with removal; gives its bytes before."""
+    case.home.set(RemoveAttachment=1, AddURL=1)
+    kinds = {"notes & plans #2.txt": "text/x-notes"}
+    message = mail(files=[(name, data, kinds.get(name, "application/octet-stream")) for name, data in FILES.items()],
+                   **content)
+    before = case.home.add(message).read_bytes()
+    case.assertDone(case.home.run("save"))
+    case.assertNotEqual(case.home.message(), before)
+    return before
+
+
+def attached(content: bytes) -> list:
+    return [(p.get_content_type(), p.get_filename(), p.get_content() if p.get_content_maintype() != "text"
+             else p.get_payload(decode=True)) for p in parsed(content).iter_attachments()]
+
+
+class Restore(Case):
+    def test_every_kind_of_body_comes_back_with_its_attachments(self):
+        html = "<html><body><p>Good day.</p></body></html>\n"
+        for name, content in {
+            "plain": {},
+            "alternative": {"html": html},
+            "html only": {"text": None, "html": html},
+            "html without body tags": {"html": "<p>x</p>"},
+            "not ASCII": {"text": "Grüße\n", "html": "<html><body>Grüße</body></html>"},
+            "nothing said": {"text": ""},
+            "a note of its own": {"text": "The words Attachment saved to mean nothing here.\n"},
+        }.items():
+            with self.subTest(name):
+                for path in self.home.messages():
+                    path.unlink()
+                before = stripped(self, **content)
+                self.assertDone(self.home.run("restore", "1"))
+                after = self.home.message()
+                self.assertEqual(attached(after), attached(before))
+                for kind in ("plain", "html"):
+                    old, new = parsed(before).get_body((kind,)), parsed(after).get_body((kind,))
+                    self.assertEqual(old is None, new is None)
+                    if old is not None:
+                        self.assertEqual(new.get_content().replace("</Body>", "</body>"), old.get_content())
+                self.assertNotIn(b"Paperclip", after)
+
+    def test_links_at_the_top(self):
+        self.home.set(RemoveAttachment=1, AddURL=1, LinkLocation="Top")
+        before = self.home.add(mail(files=[("a.txt", b"a"), ("b.txt", b"b")])).read_bytes()
+        self.assertDone(self.home.run("save"))
+        text = parsed(self.home.message()).get_body(("plain",)).get_content()
+        self.assertTrue(text.startswith(f"Attachment saved to <file://{self.home.saved}/a.txt>\n\n"), text)
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertEqual(attached(self.home.message()), attached(before))
+        self.assertEqual(parsed(self.home.message()).get_body(("plain",)).get_content(), "Good day.\n")
+
+    def test_a_file_that_is_gone_is_reported_and_its_note_stays(self):
+        stripped(self)
+        (self.home.saved / "report.pdf").unlink()
+        done = self.home.run("restore", "1")
+        self.assertEqual(done.status, 1)
+        self.assertIn("report.pdf is gone", done.err)
+        text = parsed(self.home.message()).get_body(("plain",)).get_content()
+        self.assertIn(f"Attachment saved to <file://{self.home.saved}/report.pdf>", text)
+        self.assertEqual(sorted(name for _, name, _ in attached(self.home.message()) if name in FILES),
+                         ["empty.bin", "notes & plans #2.txt"])
+
+    def test_when_all_files_are_gone_the_message_is_left_alone(self):
+        stripped(self)
+        for path in self.home.saved.iterdir():
+            path.unlink()
+        before = self.home.message()
+        self.assertEqual(self.home.run("restore", "1").status, 1)
+        self.assertEqual(self.home.message(), before)
+
+    def test_only_regular_files_are_attached(self):
+        stripped(self)
+        target = self.home.root / "secret"
+        target.write_bytes(b"secret")
+        (self.home.saved / "report.pdf").unlink()
+        (self.home.saved / "report.pdf").symlink_to(target)
+        self.assertEqual(self.home.run("restore", "1").status, 1)
+        self.assertNotIn(b"c2VjcmV0", self.home.message())
+
+
+class Responses(Case):
+    def draft(self):
+        (path,) = self.home.messages("Drafts")
+        return path.read_bytes()
+
+    def test_a_forward_attaches_the_very_bytes(self):
+        stripped(self, html="<html><body><p>Good day.</p></body></html>")
+        self.assertDone(self.home.run("forward", "1"))
+        draft = parsed(self.draft())
+        self.assertEqual(draft["Subject"], "FW: Hello")
+        self.assertEqual({NAMES.get(name, name): data for _, name, data in attached(self.draft())},
+                         {NAMES.get(name, name): data for name, data in FILES.items()})
+        self.assertNotIn("Attachment saved to", draft.get_body(("html",)).get_content())
+        self.assertNotIn("file://", draft.get_body(("html",)).get_content())
+
+    def test_a_forward_of_a_text_message(self):
+        stripped(self)
+        self.assertDone(self.home.run("forward", "1"))
+        draft = parsed(self.draft())
+        self.assertEqual(len(list(draft.iter_attachments())), 3)
+        self.assertNotIn("file://", draft.get_body(("plain",)).get_content())
+
+    def test_a_reply_has_no_links_and_no_files(self):
+        for content in ({}, {"html": "<html><body><p>Good day.</p></body></html>"}):
+            with self.subTest(content):
+                for folder in ("", "Drafts"):
+                    for path in self.home.messages(folder):
+                        path.unlink()
+                stripped(self, **content)
+                self.assertDone(self.home.run("reply", "1"))
+                draft = parsed(self.draft())
+                self.assertEqual(list(draft.iter_attachments()), [])
+                self.assertEqual((draft["Subject"], draft["To"]), ("RE: Hello", "Ada <ada@example.org>"))
+                self.assertEqual((draft["In-Reply-To"], draft["References"]),
+                                 ("<one@example.org>", "<one@example.org>"))
+                self.assertNotIn("file://", self.draft().decode())
+                self.assertIn("Good day.", draft.get_body(("plain",)).get_content())
+
+    def test_reply_all_goes_to_everybody_once_and_reply_to_is_heeded(self):
+        self.home.set()
+        message = mail(sender="Ada <ada@example.org>")
+        message.replace_header("To", "Ben <ben@example.org>, Cleo <cleo@example.org>")
+        message["Cc"] = "Dan <dan@example.org>, ADA@example.org, =?utf-8?q?J=C3=B6rg?= <joerg@example.org>"
+        self.home.add(message)
+        self.assertDone(self.home.run("reply-all", "1"))
+        draft = parsed(self.draft())
+        people = [a.addr_spec.lower() for field in ("To", "Cc") for a in (draft[field].addresses if draft[field] else ())]
+        self.assertEqual(sorted(people), sorted(set(people)), "nobody twice")
+        self.assertEqual(set(people), {"ada@example.org", "ben@example.org", "cleo@example.org", "dan@example.org",
+                                       "joerg@example.org"})
+        self.assertIn("ada@example.org", draft["To"].addresses[0].addr_spec)
+
+    def test_a_reply_goes_where_reply_to_says(self):
+        self.home.set()
+        message = mail()
+        message["Reply-To"] = "list@example.org"
+        self.home.add(message)
+        self.assertDone(self.home.run("reply", "1"))
+        self.assertEqual(parsed(self.draft())["To"], "list@example.org")
+
+    def test_with_reattaching_off_the_client_answers_itself(self):
+        stripped(self)
+        self.home.set(AutomaticReattachWanted=0)
+        self.assertDone(self.home.run("forward", "1"))
+        self.assertIn("Attachment saved to", parsed(self.draft()).get_body(("plain",)).get_content())
+
+    def test_several_items_and_a_window(self):
+        self.home.set()
+        for i in range(3):
+            self.home.add(mail(subject=f"{i}"))
+        done = self.home.run("--json", "forward", "1-3")
+        self.assertDone(done)
+        self.assertEqual(len(done.json["drafts"]), 3)
+        self.assertDone(self.home.run("forward", "--open", "2"))
+        subjects = sorted(parsed(p.read_bytes())["Subject"] for p in self.home.messages("Drafts"))
+        self.assertEqual(subjects, ["FW: 0", "FW: 1", "FW: 1", "FW: 2"])
+
+
+if __name__ == "__main__":
+    main()
