@@ -228,6 +228,16 @@ TEST_F(BatchTest, AReplacedFileIsThereUntilTheNewOneTakesItsPlace) {
   EXPECT_EQ(readFile(saved + "/a.pdf"), "new");
 }
 
+TEST_F(BatchTest, AFileThatComesAfterItsNameWasCalledFreeIsNotReplaced) {
+  Batch batch{reports};
+  EXPECT_FALSE(batch.files().listed(saved + "/a.pdf"));
+  writeFile(saved + "/a.pdf", "another's");
+  batch.files().save(saved + "/a.pdf", bytes("ours"));
+  batch.commit();
+  EXPECT_EQ(readFile(saved + "/a.pdf"), "another's");
+  EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
+}
+
 TEST_F(BatchTest, OfTwoAttachmentsWithOneNameTheFirstStaysInTheMessageWhenTheSecondReplacesIt) {
   Batch batch{reports};
   const auto first = batch.files().save(saved + "/a.pdf", bytes("first"));
