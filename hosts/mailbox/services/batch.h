@@ -67,7 +67,7 @@ struct ChangeReport {
   ChangeOutcome outcome = ChangeOutcome::changed;
   std::shared_ptr<MailFolder> folder;  // where it was
   std::string unique;                  // under which name
-  std::shared_ptr<MailFolder> newFolder;
+  std::shared_ptr<MailFolder> newFolder;  // null when it went for good
   std::string newUnique;  // the same as unique, unless it was rewritten
   Text reason;            // one sentence, when untouched
 };

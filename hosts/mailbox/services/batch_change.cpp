@@ -51,9 +51,10 @@ BatchChange::BatchChange(MessageChange change, std::shared_ptr<MaildirHandles> s
     : change_(std::move(change)), sourceHandles_(std::move(source)), targetHandles_(std::move(target)) {
   report_.folder = change_.folder;
   report_.unique = change_.unique;
-  report_.newFolder = change_.moveTo ? change_.moveTo : change_.folder;
+  const auto& newFolder = change_.moveTo ? change_.moveTo : change_.folder;
   const bool named = change_.content || change_.moveTo;
-  report_.newUnique = named ? ownUniqueName(report_.newFolder->path()) : change_.unique;
+  report_.newUnique = named ? ownUniqueName(newFolder->path()) : change_.unique;
+  if (!change_.erase) report_.newFolder = newFolder;
 }
 
 BatchChange::~BatchChange() {
