@@ -138,6 +138,15 @@ class Json(Case):
         )
         self.assertEqual(self.home.run("--json", "show", change["new_id"]).json["links"], [path])
 
+    def test_delete_moves_and_then_deletes_for_good(self):
+        before = self.home.run("--json", "list").json[0]["id"]
+        (moved,) = self.home.run("--json", "delete", "1").json["items"]
+        self.assertEqual(moved["id"], before)
+        self.assertTrue(moved["new_id"].startswith("Trash/"), moved)
+        (gone,) = self.home.run("--json", "delete", "--folder", "Trash", "1").json["items"]
+        self.assertEqual(gone, {"id": moved["new_id"], "new_id": ""})
+        self.assertEqual(self.home.messages("Trash"), [])
+
     def test_errors_are_in_the_document_and_on_standard_error(self):
         self.home.set(SavePath="/proc/nowhere/")
         done = self.home.run("--json", "save")
@@ -277,7 +286,7 @@ class Terminal(Case):
     def test_a_question_stands_on_a_line_of_its_own(self):
         self.home.set(OptionalRenameWanted=1)
         for i in range(3):
-            self.home.add(mail(subject=f"{i}", files=[(f"{i}.bin", b"x" * 30_000_000)]))
+            self.home.add(mail(subject=f"{i}", files=[(f"{i}.bin", b"x" * 10_000_000)]))
         status, shown = self.talk("save", answers=[("Save as (return", "\n")] * 3)
         self.assertEqual(status, 0, shown)
         for line in on_screen(shown):

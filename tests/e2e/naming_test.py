@@ -144,16 +144,16 @@ class TakenNames(Case):
         def seconds(count):
             for path in self.home.messages():
                 path.unlink()
-            for _ in range(count // 500):
-                self.home.add(raw(disposition, count=500))
+            for _ in range(count // 100):
+                self.home.add(raw(disposition, count=100))
             start = time.monotonic()
             self.assertDone(self.home.run("--quiet", "save"))
             return time.monotonic() - start
 
-        few = seconds(1000)  # into an empty folder
-        many = seconds(4000)  # on top of the thousand
-        self.assertEqual(len(self.home.saved_files()), 5000)
-        self.assertLess(many, 4 * few * 2.5 + 1, f"{few:.2f} s for 1,000, {many:.2f} s for 4,000 more")
+        few = seconds(300)  # into an empty folder
+        many = seconds(1500)  # on top of the first
+        self.assertEqual(len(self.home.saved_files()), 1800)
+        self.assertLess(many, 5 * few * 3 + 2, f"{few:.2f} s for 300, {many:.2f} s for 1,500 more")
 
 
 class RenameKeywords(Case):
