@@ -34,7 +34,7 @@ class RunReport : public BatchReports, public ClientReports {
   struct Listeners {
     std::function<void(const ErrorEntry&)> error;
     std::function<void(const SavedEntry&)> saved;
-    std::function<void()> nextItem;  // the walk over the selection has come to the next one
+    std::function<void()> nextItem = {};  // the walk over the selection has come to the next one
   };
   explicit RunReport(Listeners listeners) : listeners_(std::move(listeners)) {}
 
