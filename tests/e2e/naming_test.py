@@ -125,12 +125,15 @@ class TakenNames(Case):
                 self.assertEqual(taken.read_bytes(), b"old")
                 self.assertEqual(stat.S_IMODE(taken.stat().st_mode), 0o444)
 
-    def test_two_programs_in_one_folder_never_overwrite_each_other(self):
+    def test_three_programs_in_one_folder_never_overwrite_each_other(self):
         self.home.set()
-        for i in range(40):
-            self.home.add(mail(subject=f"{i}", files=[("image001.png", b"picture %d\n" % i)]))
+        stores = [self.home.root / name for name in ("one", "two", "three")]
+        for store in stores:
+            self.home.maildir = store
+            for i in range(40):
+                self.home.add(mail(subject=f"{i}", files=[("image001.png", b"picture %d\n" % i)]))
         with concurrent.futures.ThreadPoolExecutor() as pool:
-            for done in pool.map(lambda _: self.home.run("--json", "save"), range(3)):
+            for done in pool.map(lambda store: self.home.run("--mail", store, "save"), stores):
                 self.assertDone(done)
         files = self.home.saved_files()
         self.assertEqual(len(files), 120)
