@@ -10,7 +10,10 @@ namespace quillfile::app {
 
 int runMonitor(const Options& options) {
   const auto session = openSession(options);
-  session->start();  // the first one writes the settings, this list among them
+  if (session->isFirstRun()) {  // the first start writes the settings, this list among them
+    session->start();
+    session->finish();
+  }
   auto monitored = monitoredFolders(session->settings());
   for (const auto& name : options.arguments) {
     // A folder that is gone can still be taken out of the list, by the name that stands there.
@@ -31,7 +34,6 @@ int runMonitor(const Options& options) {
     }
   }
   setMonitoredFolders(session->settings(), monitored);
-  session->finish();
   if (options.json) {
     Json names = Json::array();
     for (const auto& entry : monitored) names.push_back(entry.entryId);

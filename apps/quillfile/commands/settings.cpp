@@ -4,6 +4,7 @@
 #include "apps/quillfile/output.h"
 #include "apps/quillfile/run.h"
 #include "apps/quillfile/setting_values.h"
+#include "core/platform/failure.h"
 #include "core/settings/settings_table.h"
 #include "hosts/mailbox/engine/mailbox_engine.h"
 #include "hosts/mailbox/engine/printable.h"
@@ -41,12 +42,21 @@ std::vector<Row> rowsOf(mailbox::SettingsFile& settings) {
 }
 
 // The first start of the module writes its settings over what stands there. Somebody who changes one before
-// that wants to find it again.
-void makeFirstRun(const Options& options, mailbox::SettingsFile& settings) {
-  if (settings.read(mailbox::engineName, section, u"SaveAllAttachments")) return;
-  const auto session = openSession(options);
-  session->start();
-  session->finish();
+// that wants to find it again, so that start comes first. SaveAllAttachments is the key that tells whether it
+// has been: setting it says that no first start is wanted. Where there is no mail yet the start must wait.
+void makeFirstRun(const Options& options, mailbox::SettingsFile& settings, const std::string& key) {
+  if (key == "SaveAllAttachments" || settings.read(mailbox::engineName, section, u"SaveAllAttachments"))
+    return;
+  try {
+    const auto session = openSession(options);
+    session->start();
+    session->finish();
+  } catch (const Failure& failure) {
+    std::fprintf(stderr,
+                 "quillfile: The first run will write its own settings over this one, unless you set it "
+                 "again then: %s.\n",
+                 mailbox::printable(failure.description).c_str());
+  }
 }
 
 int listSettings(const Options& options, mailbox::SettingsFile& settings) {
@@ -84,7 +94,7 @@ int getSetting(const Options& options, mailbox::SettingsFile& settings) {
 int setSetting(const Options& options, mailbox::SettingsFile& settings) {
   const std::string& key = options.arguments.at(0);
   const auto [value, warning] = checkedValue(settingNamed(key), key, options.arguments.at(1));
-  makeFirstRun(options, settings);
+  makeFirstRun(options, settings, key);
   settings.write(mailbox::engineName, section, fromUtf8(key), fromUtf8(value));
   if (!warning.empty()) std::fprintf(stderr, "quillfile: %s\n", warning.c_str());
   if (options.json) printJson({{"key", key}, {"value", value}, {"set", true}});
