@@ -234,7 +234,9 @@ def at_rest_it_costs_nothing(home):
     time.sleep(3)
     after = status()
     assert before["voluntary_ctxt_switches"] == after["voluntary_ctxt_switches"], "it woke up"
-    assert int(after["VmRSS"].split()[0]) < 20_000, after["VmRSS"]
+    # A sanitizer keeps shadows of its own: they count there, so the limit is another one.
+    limit = 120_000 if "libasan" in open(f"/proc/{watch.pid}/maps").read() else 20_000
+    assert int(after["VmRSS"].split()[0]) < limit, after["VmRSS"]
     home.stop(watch)
 
 
