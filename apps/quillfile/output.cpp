@@ -88,6 +88,7 @@ Json reportJson(const mailbox::RunReport& report) {
           {"saved", saved},
           {"items", items},
           {"drafts", report.drafts},
+          {"draft_paths", report.draftPaths},
           {"deleted_files", report.deletedFiles},
           {"errors", errors}};
 }
@@ -98,8 +99,9 @@ int printReport(const Options& options, const mailbox::RunReport& report) {
   } else if (!options.quiet) {
     if (report.message) std::printf("%s\n", mailbox::printableLines(fromUtf8(*report.message)).c_str());
     printSaved(report);
-    for (const auto& id : report.drafts)
-      std::printf("Left in Drafts: %s\n", mailbox::printable(fromUtf8(id)).c_str());
+    for (std::size_t i = 0; i < report.drafts.size(); ++i)
+      std::printf("Left in Drafts: %s (%s)\n", mailbox::printable(fromUtf8(report.drafts[i])).c_str(),
+                  mailbox::printable(fromUtf8(report.draftPaths[i])).c_str());
     for (const auto& path : report.deletedFiles) {
       std::printf("Moved to the trash: %s\n", mailbox::printable(fromUtf8(path)).c_str());
     }

@@ -34,7 +34,7 @@ std::string fromUserDirs() {
     const auto start = line.find_first_not_of(" \t");
     if (start == std::string::npos || line.compare(start, name.size(), name) != 0) continue;
     const auto from = start + name.size();
-    const std::string value = line.substr(from, line.find('"', from) - from);
+    std::string value = line.substr(from, line.find('"', from) - from);
     if (value.starts_with("$HOME/")) return homeFolder() + value.substr(5);
     if (value.starts_with('/')) return value;
   }

@@ -39,7 +39,7 @@ std::string numbered(const std::string& path, const IsTaken& isTaken) {
   for (int number = 1;; ++number) {
     const std::string name =
         whole.stem().string() + "-" + std::to_string(number) + whole.extension().string();
-    const std::string tried = (whole.parent_path() / name).string();
+    std::string tried = (whole.parent_path() / name).string();
     if (!isTaken(tried)) return tried;
   }
 }

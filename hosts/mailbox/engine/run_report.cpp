@@ -15,7 +15,7 @@ void RunReport::error(TextView text, std::int32_t level, TextView source) {
 void RunReport::clear() {
   message.reset();
   count = 0;
-  saved.clear(), items.clear(), drafts.clear(), deletedFiles.clear(), errors.clear();
+  saved.clear(), items.clear(), drafts.clear(), draftPaths.clear(), deletedFiles.clear(), errors.clear();
 }
 
 void RunReport::onSaved(const SavedFile& file) {
@@ -43,7 +43,11 @@ void RunReport::onRemovalDeclined(MailboxItem& item, const Text& reason) {
         hostSource);
 }
 
-void RunReport::onDisplayed(MailboxItem& item) { drafts.push_back(toUtf8(item.entryId())); }
+void RunReport::onDisplayed(MailboxItem& item) {
+  drafts.push_back(toUtf8(item.entryId()));
+  const auto location = item.folder() ? item.folder()->find(item.unique()) : std::nullopt;
+  draftPaths.push_back(location ? item.folder()->filePath(*location) : "");
+}
 
 void RunReport::onNextItem() {
   if (listeners_.nextItem) listeners_.nextItem();

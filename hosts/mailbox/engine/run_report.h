@@ -41,8 +41,9 @@ class RunReport : public BatchReports, public ClientReports {
   std::optional<std::string> message;  // the text of the last message box
   std::int32_t count = 0;              // the module's run counter
   std::vector<SavedEntry> saved;
-  std::vector<ChangedEntry> items;  // rewritten or moved
-  std::vector<std::string> drafts;  // ids
+  std::vector<ChangedEntry> items;      // rewritten or moved
+  std::vector<std::string> drafts;      // ids
+  std::vector<std::string> draftPaths;  // of their files, in the same order
   std::vector<std::string> deletedFiles;
   std::vector<ErrorEntry> errors;
 

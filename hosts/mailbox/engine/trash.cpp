@@ -40,7 +40,7 @@ dev_t deviceOf(const std::string& path) {
 
 // The trash of the file system that `path` lies on.
 std::string trashFor(const std::string& path) {
-  const std::string home = dataFolder() + "/Trash";
+  std::string home = dataFolder() + "/Trash";
   std::error_code error;
   std::filesystem::create_directories(home, error);
   const dev_t device = deviceOf(path);

@@ -40,6 +40,7 @@ class Watch {
   using Clock = std::chrono::steady_clock;
   struct Arrival {
     std::string folder, unique;
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 misreads this line
     auto operator<=>(const Arrival&) const = default;
   };
   // What a folder's directories do not share with their earlier selves once something in them has changed.

@@ -25,6 +25,7 @@ Text word(nl_item item, locale_t locale) { return fromUtf8(nl_langinfo_l(item, l
 
 std::vector<Text> twelve(nl_item first, locale_t locale) {
   std::vector<Text> names;
+  names.reserve(12);
   for (nl_item i = 0; i < 12; ++i) names.push_back(word(first + i, locale));
   return names;
 }
@@ -187,7 +188,7 @@ DateWords DateWords::of(const std::string& name) {
                   .pm = word(PM_STR, locale.get())};
   // The C locale writes a year of two digits; the general date of the United States has neither that nor
   // zeros.
-  const DateWords us = usEnglish();
+  DateWords us = usEnglish();
   const bool american = words.date == us.date && words.months == us.months;
   if (american) return us;
   if (words.am.empty() || words.pm.empty())
@@ -262,7 +263,7 @@ Text LocaleDates::general(const LocalTime& time) {
     const Text day = format(date, time);
     return midnight ? day : fill(u"{} {}", day, format(clock, time));
   };
-  const Text text = written(words_.date, words_.time);
+  Text text = written(words_.date, words_.time);
   try {
     if (parse(text) == time) return text;
   } catch (const Failure&) {
