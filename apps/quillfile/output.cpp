@@ -88,7 +88,6 @@ Json reportJson(const mailbox::RunReport& report) {
           {"saved", saved},
           {"items", items},
           {"drafts", report.drafts},
-          {"draft_paths", report.draftPaths},
           {"deleted_files", report.deletedFiles},
           {"errors", errors}};
 }
