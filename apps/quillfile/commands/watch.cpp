@@ -121,7 +121,6 @@ int runWatch(const Options& options) {
   catchStopSignals();
   session->cleanUp();
   session->start();
-  announce(*session, options);
   Printer printer{options, session->report()};
   mailbox::Watch watch{*session,
                        seen,
@@ -130,8 +129,11 @@ int runWatch(const Options& options) {
                         .stopping = [] { return stopSignal != 0; },
                         .handled = [&] { printer.handled(); }}};
   if (options.once) {
+    announce(*session, options);
     watch.catchUp();
   } else {
+    watch.begin();
+    announce(*session, options);  // true from here on
     watch.run();
   }
   session->finish();

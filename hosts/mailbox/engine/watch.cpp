@@ -193,9 +193,12 @@ void Watch::catchUp() {
   seen_.flush();
 }
 
-void Watch::run() {
+void Watch::begin() {
   listen();
   lookAtAll();
+}
+
+void Watch::run() {
   while (!setup_.stopping()) {
     hear();
     if (queue_.empty()) {

@@ -33,7 +33,9 @@ class Watch {
   // Handles what has arrived since the last run, oldest first in each folder; what is there at the first look
   // counts as seen. Throws Failure when what was seen cannot be remembered.
   void catchUp();
-  // Catches up, and goes on until it is to stop. Throws Failure.
+  // Listens, and looks at every folder once: whatever arrives from here on is handled by run(). Throws Failure.
+  void begin();
+  // After begin(): catches up, and goes on until it is to stop. Throws Failure.
   void run();
 
  private:
