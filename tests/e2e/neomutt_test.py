@@ -18,7 +18,9 @@ macro index,pager S "<pipe-message>quillfile-save<enter>"
 def main():
     home = Home()
     for name in ("one", "two", "three"):
-        home.deliver(message(name, [(f"{name}.pdf", name.encode())]), into="cur", flags=":2,S")
+        more = {"In_Reply_To": "<one@example.org>"} if name == "two" else {}
+        content = message(name, [(f"{name}.pdf", name.encode())], **more)
+        home.deliver(content.replace(b"ID: <one", b"Id:\r\n <one"), into="cur", flags=":2,S")  # folded, as RFC 5322 allows
     (home.root / "rc").write_text(CONFIGURATION.format(mail=home.mail))
     socket = str(home.root / "tmux")
     path = f"{SCRIPTS}:{pathlib.Path(PROGRAM).resolve().parent}:{os.environ['PATH']}"
