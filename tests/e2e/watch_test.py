@@ -69,7 +69,7 @@ def a_folder_made_or_replaced_meanwhile_is_watched(home):
     home.run("settings", "set", "FolderEntryId2", "Work")
     watch = home.watch()
     work = home.mail / ".Work"
-    for turn in (1, 2):
+    for turn in range(6):
         for name in ("tmp", "new", "cur"):
             (work / name).mkdir(parents=True)
         home.deliver(message(f"made {turn}", [(f"made{turn}.pdf", b"x")]), folder=".Work")

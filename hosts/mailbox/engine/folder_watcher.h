@@ -17,6 +17,7 @@ namespace quillfile::mailbox {
 struct WatchedFolder {
   std::string path;       // shown
   std::string directory;  // on disk; need not be there
+  friend bool operator==(const WatchedFolder&, const WatchedFolder&) = default;
 };
 
 class FolderWatcher {

@@ -70,7 +70,14 @@ std::vector<WatchedFolder> Watch::folders() {
 
 void Watch::listen() {
   if (setup_.poll.count() > 0) return;
-  watcher_.watch(session_.store().directory(), folders(), session_.settings().path());
+  MailStore& store = session_.store();
+  store.refresh();
+  std::vector<WatchedFolder> heard;
+  do {  // a folder made after the tree was read and before it is listened to would be in neither
+    heard = folders();
+    watcher_.watch(store.directory(), heard, session_.settings().path());
+    store.refresh();
+  } while (folders() != heard);
 }
 
 void Watch::lookAtAll() {
@@ -131,7 +138,6 @@ void Watch::hear() {
       add(*folder, parseMaildirName(location.fileName).unique, location);
   }
   if (!news.folders) return;
-  session_.store().refresh();
   looked_.clear();
   listen();
   lookAtAll();
