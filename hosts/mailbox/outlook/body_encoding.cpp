@@ -63,15 +63,15 @@ class QuotedPrintableWalk {
 
  private:
   void step() {
-    if (encoded_[at_] != '=') {
-      ++at_, ++decoded_;
-    } else if (at_ + 2 < encoded_.size() && isHex(encoded_[at_ + 1]) && isHex(encoded_[at_ + 2])) {
-      at_ += 3, ++decoded_;
-    } else if (const auto end = lineEndAt(encoded_, at_ + 1); end > 0) {
+    const bool escape = encoded_[at_] == '=';
+    if (const auto end = escape ? lineEndAt(encoded_, at_ + 1) : 0; end > 0) {
       at_ += 1 + end;
-    } else {
-      ++at_, ++decoded_;
+      return;
     }
+    const bool isOctet =
+        escape && at_ + 2 < encoded_.size() && isHex(encoded_[at_ + 1]) && isHex(encoded_[at_ + 2]);
+    at_ += isOctet ? 3 : 1;
+    ++decoded_;
   }
   std::string_view encoded_;
   std::size_t at_ = 0;

@@ -30,8 +30,8 @@ std::vector<Text> lost(std::vector<Text> before, const std::vector<Text>& after)
 }
 
 // `now`, or `clean` where the two differ in nothing but `ends`.
-Text preferred(TextView now, Text clean, TextView ends) {
-  return without(now, ends) == without(clean, ends) ? clean : Text{now};
+Text preferred(TextView now, TextView clean, TextView ends) {
+  return Text{without(now, ends) == without(clean, ends) ? clean : now};
 }
 
 }  // namespace

@@ -9,10 +9,11 @@ namespace {
 
 // The SMTP address where it is given; else the address if it can be one (an Exchange address is a path).
 Text smtpOf(const Properties& properties, Id smtpAddress, Id address, std::uint32_t page) {
-  const Text given = properties.text(smtpAddress, page);
+  Text given = properties.text(smtpAddress, page);
   if (!given.empty()) return given;
-  const Text other = properties.text(address, page);
-  return other.find(u'@') != Text::npos ? other : Text();
+  Text other = properties.text(address, page);
+  if (other.find(u'@') == Text::npos) other.clear();
+  return other;
 }
 
 Mailbox takeMailbox(const Properties& properties, const MailboxField& ids, std::uint32_t page) {
