@@ -74,12 +74,13 @@ void printTable(const std::vector<std::vector<std::string>>& rows, const std::ve
 }
 
 Json reportJson(const mailbox::RunReport& report) {
-  Json saved = Json::array(), items = Json::array(), errors = Json::array();
+  Json saved = Json::array(), items = Json::array(), drafts = Json::array(), errors = Json::array();
   for (const auto& entry : report.saved) {
     saved.push_back(
         {{"item", entry.item}, {"file_name", entry.fileName}, {"path", entry.path}, {"size", entry.size}});
   }
   for (const auto& entry : report.items) items.push_back({{"id", entry.id}, {"new_id", entry.newId}});
+  for (const auto& entry : report.drafts) drafts.push_back(entry.id);
   for (const auto& entry : report.errors) {
     errors.push_back({{"source", entry.source}, {"message", entry.message}, {"level", entry.level}});
   }
@@ -87,7 +88,7 @@ Json reportJson(const mailbox::RunReport& report) {
           {"count", report.count},
           {"saved", saved},
           {"items", items},
-          {"drafts", report.drafts},
+          {"drafts", drafts},
           {"deleted_files", report.deletedFiles},
           {"errors", errors}};
 }
@@ -98,9 +99,9 @@ int printReport(const Options& options, const mailbox::RunReport& report) {
   } else if (!options.quiet) {
     if (report.message) std::printf("%s\n", mailbox::printableLines(fromUtf8(*report.message)).c_str());
     printSaved(report);
-    for (std::size_t i = 0; i < report.drafts.size(); ++i)
-      std::printf("Left in Drafts: %s (%s)\n", mailbox::printable(fromUtf8(report.drafts[i])).c_str(),
-                  mailbox::printable(fromUtf8(report.draftPaths[i])).c_str());
+    for (const auto& [id, path] : report.drafts)
+      std::printf("Left in Drafts: %s (%s)\n", mailbox::printable(fromUtf8(id)).c_str(),
+                  mailbox::printable(fromUtf8(path)).c_str());
     for (const auto& path : report.deletedFiles) {
       std::printf("Moved to the trash: %s\n", mailbox::printable(fromUtf8(path)).c_str());
     }

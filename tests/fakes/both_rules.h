@@ -12,6 +12,11 @@
 
 namespace quillfile {
 
+// For what a failed test prints of its parameter.
+inline void PrintTo(const PathRules& rules, std::ostream* out) {
+  *out << (rules.drives ? "Windows rules" : "Posix rules");
+}
+
 class UnderBothRules : public testing::TestWithParam<PathRules> {
  protected:
   FakePlatform world{GetParam()};

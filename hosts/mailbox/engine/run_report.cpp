@@ -15,7 +15,7 @@ void RunReport::error(TextView text, std::int32_t level, TextView source) {
 void RunReport::clear() {
   message.reset();
   count = 0;
-  saved.clear(), items.clear(), drafts.clear(), draftPaths.clear(), deletedFiles.clear(), errors.clear();
+  saved.clear(), items.clear(), drafts.clear(), deletedFiles.clear(), errors.clear();
 }
 
 void RunReport::onSaved(const SavedFile& file) {
@@ -44,9 +44,9 @@ void RunReport::onRemovalDeclined(MailboxItem& item, const Text& reason) {
 }
 
 void RunReport::onDisplayed(MailboxItem& item) {
-  drafts.push_back(toUtf8(item.entryId()));
   const auto location = item.folder() ? item.folder()->find(item.unique()) : std::nullopt;
-  draftPaths.push_back(location ? item.folder()->filePath(*location) : "");
+  drafts.push_back(
+      {.id = toUtf8(item.entryId()), .path = location ? item.folder()->filePath(*location) : ""});
 }
 
 void RunReport::onNextItem() {

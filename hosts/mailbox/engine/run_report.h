@@ -23,6 +23,10 @@ struct ChangedEntry {
   std::string id, newId;  // newId is empty when the item went for good
 };
 
+struct DraftEntry {
+  std::string id, path;  // of its file, empty when it is gone already
+};
+
 struct ErrorEntry {
   std::string source, message;
   std::int32_t level = 0;
@@ -41,9 +45,8 @@ class RunReport : public BatchReports, public ClientReports {
   std::optional<std::string> message;  // the text of the last message box
   std::int32_t count = 0;              // the module's run counter
   std::vector<SavedEntry> saved;
-  std::vector<ChangedEntry> items;      // rewritten or moved
-  std::vector<std::string> drafts;      // ids
-  std::vector<std::string> draftPaths;  // of their files, in the same order
+  std::vector<ChangedEntry> items;  // rewritten or moved
+  std::vector<DraftEntry> drafts;
   std::vector<std::string> deletedFiles;
   std::vector<ErrorEntry> errors;
 
