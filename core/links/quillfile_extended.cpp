@@ -48,11 +48,17 @@ Position QuillfileExtended::InStrIgnoreLfCr(Position start, TextView text, TextV
   return 0;
 }
 
+Text QuillfileExtended::linkedPath(const Ref<SafeItem>& item, TextView fileName) {
+  Text path = replaceAll(fileName, u"%20", u" ");
+  const bool literal = ports_.paths.percentInNames && path != fileName && FileExists(item, fileName);
+  return literal ? Text{fileName} : path;
+}
+
 bool QuillfileExtended::TestAttachmentLink(const Ref<SafeItem>& item, TextView fileName) {
   constexpr Procedure about{.name = u".TestAttachmentLink", .wording = wording::reason};
   return procedure(ports_.services, about, [&](Step&) -> bool {
     constexpr TextView name = u"TestAttachmentLink";
-    const Text path = replaceAll(fileName, u"%20", u" ");
+    const Text path = linkedPath(item, fileName);
     if (!FileExists(item, path)) {
       trace_(name, u"Did not find {}", path);
       return false;

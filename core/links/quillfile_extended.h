@@ -45,7 +45,11 @@ class QuillfileExtended {
   // text is its caller's to erase.
   Text EraseString(TextView body, TextView format);
 
-  // Attaches the file that a note names, "%20" read as a blank, to the item. False when it is not there.
+  // The path that a note means: "%20" in it is a blank, but where the path rules allow a name to hold it and
+  // a file of that very name is there.
+  Text linkedPath(const Ref<SafeItem>& item, TextView fileName);
+
+  // Attaches the file that a note names to the item. False when it is not there.
   bool TestAttachmentLink(const Ref<SafeItem>& item, TextView fileName);
 
   // Whether the file that a note in `item` names is there; an error counts as no.

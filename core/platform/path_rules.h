@@ -6,13 +6,14 @@
 namespace quillfile {
 
 struct PathRules {
-  TextView separator;       // u"\\" or u"/", always one character
-  TextView otherSeparator;  // the other system's, which is replaced in folder names
-  TextView invalidInPath;   // what StripInvalidCharacters replaces, in this order
-  TextView longPathPrefix;  // put before a path when its times are changed; empty where none is needed
-  bool drives = false;      // whether "C:" may begin a path
-  TextView root;            // the folder that is always there
-  TextView linkPrefix;      // what stands before a path in a link's text
+  TextView separator;           // u"\\" or u"/", always one character
+  TextView otherSeparator;      // the other system's, which is replaced in folder names
+  TextView invalidInPath;       // what StripInvalidCharacters replaces, in this order
+  TextView longPathPrefix;      // put before a path when its times are changed; empty where none is needed
+  bool drives = false;          // whether "C:" may begin a path
+  TextView root;                // the folder that is always there
+  TextView linkPrefix;          // what stands before a path in a link's text
+  bool percentInNames = false;  // whether "%20" in a link may also be what a name really holds
 
   // The text of the link to `path`, exactly as it stands in a note.
   //   Windows: C:\a b.pdf -> file:///C:\a b.pdf      Linux: /home/u/a b.pdf -> file:///home/u/a b.pdf
@@ -45,7 +46,8 @@ constexpr PathRules PathRules::posix() {
           .longPathPrefix = u"",
           .drives = false,
           .root = u"/",
-          .linkPrefix = u"file://"};
+          .linkPrefix = u"file://",
+          .percentInNames = true};
 }
 
 }  // namespace quillfile

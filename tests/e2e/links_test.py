@@ -79,6 +79,23 @@ class Restore(Case):
         self.assertEqual(self.home.run("restore", "1").status, 1)
         self.assertEqual(self.home.message(), before)
 
+    def test_a_name_or_a_folder_that_holds_an_escaped_blank_comes_back(self):
+        for name, folder in (("Invoice%20March.pdf", "x"), ("a.pdf", "May%20June"), ("b%20c%20d.pdf", "7%20 8")):
+            for content in ({}, {"html": "<html><body><p>Good day.</p></body></html>"}):
+                with self.subTest(name, folder=folder, **content):
+                    for where in ("", "Drafts"):
+                        self.home.folder(where)
+                        for path in self.home.messages(where):
+                            path.unlink()
+                    self.home.set(RemoveAttachment=1, AddURL=1, SavePath=f"{self.home.saved}/{folder}/")
+                    before = self.home.add(mail(files=[(name, b"%PDF")], **content)).read_bytes()
+                    self.assertDone(self.home.run("save"))
+                    self.assertDone(self.home.run("forward", "1"))
+                    (draft,) = self.home.messages("Drafts")
+                    self.assertEqual([data for _, _, data in attached(draft.read_bytes())], [b"%PDF"])
+                    self.assertDone(self.home.run("restore", "1"))
+                    self.assertEqual(attached(self.home.message()), attached(before))
+
     def test_only_regular_files_are_attached(self):
         stripped(self)
         target = self.home.root / "secret"

@@ -192,8 +192,9 @@ std::vector<std::string> Session::linksIn(MailboxItem& item) {
 void Session::restore(const std::shared_ptr<MailboxItem>& item) {
   std::vector<std::string> gone;
   const auto links = linksIn(*item);
+  QuillfileExtended reader{parts_->linkPorts(parts_->trace)};
   for (const std::string& path : links) {
-    if (!parts_->linkedFiles.exists(nullptr, fromUtf8(path))) gone.push_back(path);
+    if (!reader.FileExists(nullptr, reader.linkedPath(nullptr, fromUtf8(path)))) gone.push_back(path);
   }
   for (const std::string& path : gone) {
     parts_->engine.reportError(

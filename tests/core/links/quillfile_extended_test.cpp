@@ -201,6 +201,25 @@ TEST_P(LinkReader, ALinkedFileIsAttachedByValueUnderItsName) {
                    });
 }
 
+TEST_P(LinkReader, AnEscapedBlankIsABlankUnlessAFileOfThatVeryNameIsThere) {
+  const bool windows = GetParam().drives;
+  world.files.add(text.path(u"a%20b.pdf"));
+  EXPECT_EQ(links.TestAttachmentLink(safe, text.path(u"a%20b.pdf")), !windows);
+  world.files.add(text.path(u"a b.pdf"));
+  EXPECT_TRUE(links.TestAttachmentLink(safe, text.path(u"a%20b.pdf")));
+  const auto added = [&](TextView name) {
+    return std::vector<Text>{
+        fill(u"Mail: add {} as '{}', type 1, position anywhere", text.path(name), name),
+        fill(u"trace TestAttachmentLink: Found and added {}", text.path(name)),
+    };
+  };
+  auto expected =
+      windows ? std::vector<Text>{fill(u"trace TestAttachmentLink: Did not find {}", text.path(u"a b.pdf"))}
+              : added(u"a%20b.pdf");
+  for (const auto& line : added(windows ? u"a b.pdf" : u"a%20b.pdf")) expected.push_back(line);
+  expectTranscript(world.record.lines(), expected);
+}
+
 TEST_P(LinkReader, AFailureToAttachIsReportedAndCountsAsNotAttached) {
   world.files.add(text.path(u"a.pdf"));
   world.record.failOn(u"Attachments.add");
