@@ -20,8 +20,8 @@ bool Commands::ProcessSentItems(const Ref<Item>& item) {
     const Text savePath = sentSavePath(run);
     at(4);
     const Text entryId = held(item).entryId();
-    const Text typeName = item->typeName();
     ports_.trace(procedureName, u"Processing: {}", entryId);
+    const Text typeName = item->typeName();
     ports_.trace(procedureName, u"TypeName: {}", typeName);
     traceOptions(ports_.trace, procedureName, run, savePath);
     at(5);

@@ -60,6 +60,15 @@ TEST_P(ProcessSentItems, AnEmptyFolderPathDoesNotFallBackToTheName) {
                    {saved(u"Offer", root + Text{world.paths.separator}, u"yes")});
 }
 
+TEST_P(ProcessSentItems, AnItemWhoseTypeCannotBeReadHasBeenNamedByThen) {
+  world.record.failOn(u"Item.typeName");
+  EXPECT_FALSE(room.commands.ProcessSentItems(mail));
+  expectTranscript(
+      world.record.lines(),
+      {u"trace ProcessSentItems: Processing: Offer-id", u"Item.typeName fails",
+       u"error 0 Quillfile.ProcessSentItems: Error occurred at line 4.  Reason: Item.typeName failed"});
+}
+
 TEST(ProcessSentItemsFailures, EveryStepReportsItsOwnNumber) {
   const auto arrange = [](FakePlatform& world) {
     typicalSettings(world);
