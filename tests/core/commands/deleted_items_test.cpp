@@ -91,6 +91,35 @@ TEST_P(DeletedItemsTest, ANoToAllKeepsTheRestOfTheDeletionEvenAfterAYes) {
   EXPECT_EQ(world.dialogs.prompts.size(), 3u);
 }
 
+TEST_P(DeletedItemsTest, AYesHoldsForItsOwnMailAlone) {
+  select(2);
+  world.dialogs.promptAnswers = {yes, no};
+  handle(mailWith({u"a.pdf"}));
+  handle(mailWith({u"b.pdf"}));
+  EXPECT_EQ(world.dialogs.prompts.size(), 2u);
+  expectTranscript(world.record.lines(u"delete file"), {deleted(u"a.pdf")});
+}
+
+TEST_P(DeletedItemsTest, TheLinksOfARichTextMailAreThoseOfItsPlainBody) {
+  select(1);
+  world.dialogs.promptAnswers = {yes};
+  auto mail = mailWith({u"a.pdf"});
+  mail->data.format = u"RTF";
+  mail->data.rtfBody = text.rtfNote(u"b.pdf");
+  handle(mail);
+  expectTranscript(world.record.lines(u"delete file"), {deleted(u"a.pdf")});
+}
+
+TEST_P(DeletedItemsTest, AnEscapedBlankInALinkIsNoBlank) {
+  select(1);
+  world.dialogs.promptAnswers = {yes};
+  world.files.add(text.path(u"a b.pdf"));
+  handle(mailWith({u"a%20b.pdf"}, false));
+  EXPECT_TRUE(world.dialogs.prompts.empty());
+  handle(mailWith({u"a%20b.pdf"}));
+  expectTranscript(world.record.lines(u"delete file"), {deleted(u"a%20b.pdf")});
+}
+
 TEST_P(DeletedItemsTest, AResetBeginsANewDeletion) {
   select(5);
   world.dialogs.promptAnswers = {noToAll, yes};

@@ -181,6 +181,15 @@ TEST_F(ItemTrackingTest, PurgingMovesTheEntryIdsOfPendingSlotsToTheUserSavedList
   EXPECT_FALSE(tracking.lists().IsOnPendingList(u"no slot of ours"));
 }
 
+TEST_F(ItemTrackingTest, WhatIsAddedTwiceIsOnThePendingListOnce) {
+  room.openItem({.subject = u"A"});
+  EXPECT_TRUE(tracking.lists().AddToPendingList(u"m_olMailItem1"));
+  EXPECT_TRUE(tracking.lists().AddToPendingList(u"m_olMailItem1"));
+  world.record.failAt(2);  // a second entry would have the slot's EntryID read again
+  tracking.lists().PurgePendingList();
+  expectTranscript(world.record.lines(), {});
+}
+
 TEST_F(ItemTrackingTest, PurgingReportsASlotThatIsEmptyByNow) {
   tracking.lists().AddToPendingList(u"m_olReportItem10");
   tracking.lists().PurgePendingList();
