@@ -14,7 +14,8 @@ class Terminal {
   virtual ~Terminal() = default;
   virtual bool present() = 0;
   virtual void show(std::string_view text) = 0;
-  // Waits for one of `keys` (ASCII, letter case ignored), without a return key; none at the end of input.
+  // Waits for one of `keys` (ASCII, letter case ignored), without a return key; none at the end of input, and
+  // when the person interrupts (Ctrl-C) a program that goes on after that.
   virtual std::optional<char> readKey(std::string_view keys) = 0;
   virtual std::optional<std::string> readLine() = 0;
 };
