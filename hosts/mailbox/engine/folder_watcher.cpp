@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 
 #include "hosts/mailbox/services/failure.h"
 
@@ -58,7 +59,10 @@ void FolderWatcher::watch(const std::string& store, const std::vector<WatchedFol
     }
   }
   if (file.empty()) return;
-  if (Place* place = add(folderOf(file), fileEvents)) place->file = nameOf(file);
+  std::error_code error;
+  const auto real = std::filesystem::canonical(file, error).string();  // what a link leads to is what changes
+  for (const std::string& path : std::set<std::string>{file, error ? file : real})
+    if (Place* place = add(folderOf(path), fileEvents)) place->file = nameOf(path);
 }
 
 void FolderWatcher::hear(int watch, std::uint32_t events, const std::string& name, News& news) {

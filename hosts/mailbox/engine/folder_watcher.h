@@ -34,8 +34,8 @@ class FolderWatcher {
   };
 
   // Listens from now on, and forgets what it listened to before. `store` is the directory that all folders
-  // lie in; `file` is a file that people edit, empty for none. Throws Failure when the system has no room for
-  // more watches.
+  // lie in; `file` is a file that people edit, or a link to one; empty for none. Throws Failure when the
+  // system has no room for more watches.
   void watch(const std::string& store, const std::vector<WatchedFolder>& folders, const std::string& file);
 
   // What was heard since last asked; never waits. Throws Failure.

@@ -89,5 +89,19 @@ TEST_F(FolderWatcherTest, TheSettingsFileIsToldWhenItIsReplacedOrWritten) {
   EXPECT_TRUE(watcher.read().file);
 }
 
+TEST_F(FolderWatcherTest, WhatTheSettingsAreALinkToIsToldOfToo) {
+  fs::create_directory(root / "kept");
+  std::ofstream{root / "kept/quillfile.ini"} << "x";
+  fs::create_symlink("kept/quillfile.ini", root / "settings.ini");
+  listen();
+  std::ofstream{root / "kept/new.ini"} << "y";
+  EXPECT_FALSE(watcher.read().file);
+  fs::rename(root / "kept/new.ini", root / "kept/quillfile.ini");
+  EXPECT_TRUE(watcher.read().file);
+  fs::create_symlink("kept/other.ini", root / "settings.new");
+  fs::rename(root / "settings.new", root / "settings.ini");
+  EXPECT_TRUE(watcher.read().file);
+}
+
 }  // namespace
 }  // namespace quillfile::mailbox
