@@ -1,4 +1,5 @@
 """`quillfile watch`: each message that arrives is handled once, whatever moves, restarts and fails meanwhile."""
+import json
 import os
 import resource
 import shutil
@@ -93,6 +94,78 @@ def monitored_folders_and_settings_apply_from_the_next_item(home):
     home.stop(watch)
     assert stripped(home, ".Later") == [] and len(home.saved()) == 1
     assert home.once()["saved"] == [], "it is not handled again"
+
+
+def settings_that_are_a_link_apply_from_the_next_item(home):
+    for name in ("tmp", "new", "cur"):
+        (home.mail / ".Later" / name).mkdir(parents=True)
+    (home.root / "kept").mkdir()
+    os.rename(home.root / "settings.ini", home.root / "kept" / "quillfile.ini")
+    os.symlink("kept/quillfile.ini", home.root / "settings.ini")
+    watch = home.watch()
+    home.run("monitor", "Later")
+    time.sleep(0.5)
+    home.deliver(message("later"), folder=".Later")
+    wait_until(lambda: stripped(home, ".Later") == ["later"], "mail in a folder that is monitored since")
+    home.stop(watch)
+
+
+def a_setting_that_cannot_be_used_is_reported_and_does_not_end_it(home):
+    for poll in ((), ("--poll", "1")):
+        settings = (home.root / "settings.ini").read_text()
+        said = home.errors().count("EnableButton")
+        watch = home.watch(*poll)
+        (home.root / "settings.ini").write_text(settings + "EnableButton=yes\n")
+        wait_until(lambda: home.errors().count("EnableButton") > said, "the report")
+        home.deliver(message("meanwhile" + "".join(poll)))
+        wait_until(lambda: "meanwhile" + "".join(poll) in stripped(home), "the next message")
+        time.sleep(1.5)
+        assert home.errors().count("The setting EnableButton") == said // 2 + 1, "it is told once"
+        home.stop(watch)
+        refused = home.run("watch", "--once", status=3).stderr
+        assert "The setting EnableButton in " in refused and "settings unset EnableButton" in refused, refused
+        home.run("settings", "unset", "EnableButton")
+
+
+def monitored_folders_are_numbered_without_gaps(home):
+    def keys():
+        lines = (home.root / "settings.ini").read_text().splitlines()
+        return sorted(line for line in lines if line.startswith(("FolderName", "FolderEntryId", "FolderCount")))
+
+    for folder in ("Bills", "Work", "Work.2026"):
+        for name in ("tmp", "new", "cur"):
+            (home.mail / f".{folder}" / name).mkdir(parents=True)
+    home.run("monitor", "Bills", "Work", "Work/2026", "Work")
+    assert keys() == ["FolderCount=4", "FolderEntryId1=Inbox", "FolderEntryId2=Bills", "FolderEntryId3=Work",
+                      "FolderEntryId4=Work/2026", "FolderName1=Inbox", "FolderName2=Bills", "FolderName3=Work",
+                      "FolderName4=2026"], keys()
+    home.run("monitor", "--remove", "Inbox", "Work")
+    assert keys() == ["FolderCount=2", "FolderEntryId1=Bills", "FolderEntryId2=Work/2026", "FolderName1=Bills",
+                      "FolderName2=2026"], keys()
+    assert "Watching Bills, Sent, Trash, Work/2026" in home.run("watch", "--once").stdout
+    shown = json.loads(home.run("folders", "--json").stdout)
+    assert [folder["path"] for folder in shown if folder["monitored"]] == ["Bills", "Work/2026"], shown
+    shutil.rmtree(home.mail / ".Bills")
+    home.run("monitor", "--remove", "Bills", "Work/2026")
+    assert keys() == ["FolderCount=0"], keys()
+    assert "`quillfile monitor Inbox` adds one" in home.run("watch", "--once").stdout
+
+
+def a_clock_that_jumps_loses_nothing_and_doubles_nothing(home):
+    """To a watch a jump shows in the times of the folders."""
+    hour = 3600
+    for words in ((), ("--poll", "1")):
+        for jump in (hour, -hour):
+            subjects = [f"{turn} {jump} {len(words)}" for turn in range(3)]
+            home.deliver(message(subjects[0], [("a.pdf", b"x")]))
+            watch = home.watch(*words)
+            for subject in subjects[1:]:
+                home.deliver(message(subject, [("a.pdf", b"x")]))
+                for name in ("new", "cur"):
+                    os.utime(home.mail / name, (time.time() + jump, time.time() + jump))
+            wait_until(lambda: all(stripped(home).count(subject) == 1 for subject in subjects), "each is handled")
+            home.stop(watch)
+    assert home.once()["saved"] == [] and len(home.saved()) == 12 == len(home.messages())
 
 
 def more_events_than_the_system_keeps_lose_nothing(home):
@@ -222,6 +295,13 @@ def it_says_when_nothing_will_be_saved(home):
     said = home.run("watch", "--once").stdout
     assert "Watching Inbox" in said and "settings set AutomaticMode 1" in said and "Documents" in said, said
     assert home.run("watch", "--once", "--quiet").stdout == ""
+    home.run("settings", "set", "AutomaticMode", "2")  # neither on nor off, and nothing is done either
+    assert "Automatic mode is off" in home.run("watch", "--once").stdout
+    home.run("settings", "set", "AutomaticMode", "1")
+    assert "Automatic mode is off" not in home.run("watch", "--once").stdout
+    home.run("settings", "set", "AutomaticMode", "0")
+    home.run("settings", "set", "SendDeleteAttachments", "1")
+    assert "Automatic mode is off" not in home.run("watch", "--once").stdout
 
 
 def at_rest_it_costs_nothing(home):

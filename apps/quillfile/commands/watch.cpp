@@ -8,6 +8,8 @@
 #include "apps/quillfile/monitored.h"
 #include "apps/quillfile/output.h"
 #include "apps/quillfile/run.h"
+#include "core/module/procedure.h"
+#include "core/settings/number.h"
 #include "hosts/mailbox/engine/known_folders.h"
 #include "hosts/mailbox/engine/mailbox_engine.h"
 #include "hosts/mailbox/engine/printable.h"
@@ -38,9 +40,12 @@ void catchStopSignals() {
   for (const int signal : {SIGTERM, SIGINT}) ::sigaction(signal, &action, nullptr);
 }
 
-bool isOn(mailbox::SettingsFile& settings, TextView key) {
+// What a flag is to the module; one that is no number counts as off.
+std::int32_t valueOf(mailbox::SettingsFile& settings, TextView key) {
   const auto value = settings.read(mailbox::engineName, u"Quillfile", key);
-  return value && !value->empty() && *value != u"0";
+  std::int32_t number = 0;
+  if (value) ignoringErrors([&] { number = toNumber(*value); });
+  return number;
 }
 
 // For people: what is watched and where files go; on standard error where standard output is for programs.
@@ -52,9 +57,9 @@ void announce(mailbox::Session& session, const Options& options) {
     names += (names.empty() ? "" : ", ") + mailbox::printable(fromUtf8(id));
   std::fprintf(out, "Watching %s\nFiles are saved below %s\n", names.c_str(),
                mailbox::printable(fromUtf8(session.saveFolder())).c_str());
-  const bool automatic = isOn(session.settings(), u"AutomaticMode");
-  const bool sent = isOn(session.settings(), u"SendRemoveAttachments") ||
-                    isOn(session.settings(), u"SendDeleteAttachments");
+  const bool automatic = valueOf(session.settings(), u"AutomaticMode") == 1;  // another number is not on
+  const bool sent = valueOf(session.settings(), u"SendRemoveAttachments") != 0 ||
+                    valueOf(session.settings(), u"SendDeleteAttachments") != 0;
   if (!automatic && !sent)
     std::fputs(
         "Automatic mode is off, and so are both send options: no attachment will be saved. To turn them on:\n"

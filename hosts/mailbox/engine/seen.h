@@ -36,8 +36,8 @@ class Seen {
   // The message is done with, however it went.
   void add(const std::string& folder, std::string_view unique);
   void addAll(const std::string& folder, const std::vector<std::uint64_t>& hashes);
-  // Work on the message begins; on disk when this returns. How often it has begun since add(), this time
-  // included.
+  // Work on the message begins; the next watch knows of it, however this one ends, but for a power cut. How
+  // often it has begun since add(), this time included.
   int beginTry(const std::string& folder, std::string_view unique);
 
   // Forgets the messages of the folder that are not among `present` (hashes in ascending order).

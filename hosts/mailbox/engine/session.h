@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "core/platform/failure.h"
 #include "hosts/mailbox/engine/prompts.h"
 #include "hosts/mailbox/engine/run_report.h"
 #include "hosts/mailbox/outlook/client.h"
@@ -35,6 +36,9 @@ struct SessionSetup {
   RunReport::Listeners listeners;
 };
 
+// A setting has a value that is not of its kind: the description names it, and says what to do.
+struct UnusableSetting : Failure {};
+
 class Session {
  public:
   // Opens the store and the settings. Throws Failure when they cannot be used.
@@ -55,7 +59,7 @@ class Session {
   // The folder that attachments are saved below, as the settings say, or as the first start will say.
   std::string saveFolder();
 
-  // Starts the module and opens the explorer on it, as the engine does.
+  // Starts the module and opens the explorer on it, as the engine does. Throws Failure.
   void start();
   // Clears away what a run that was stopped has left in the store.
   void cleanUp();
@@ -73,7 +77,8 @@ class Session {
   // Puts the saved files back into an item and takes the links out; files that are gone are reported.
   void restore(const std::shared_ptr<MailboxItem>& item);
 
-  // The ids of the folders that the module wants to hear of; with `anew`, as the settings are by now.
+  // The ids of the folders that the module wants to hear of; with `anew`, as the settings are by now. Throws
+  // Failure.
   std::set<std::string> watchedFolders(bool anew = false);
   // A message has arrived in a watched folder: the module handles it, and all of that is on disk when this
   // returns.
@@ -90,6 +95,8 @@ class Session {
   void finish();
 
  private:
+  void openExplorer();
+
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };

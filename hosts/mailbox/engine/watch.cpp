@@ -68,6 +68,19 @@ std::vector<WatchedFolder> Watch::folders() {
   return folders;
 }
 
+// A value that cannot be used is reported once, and the folders stay those of before: somebody is at work on
+// the settings, and a watch outlives that.
+void Watch::readSettings() {
+  try {
+    watched_ = session_.watchedFolders(true);
+    complaint_.clear();
+  } catch (const UnusableSetting& unusable) {
+    if (std::exchange(complaint_, unusable.description) == unusable.description) return;
+    session_.reportError(unusable.description, u"Quillfile.Watch");
+    setup_.handled();
+  }
+}
+
 void Watch::listen() {
   if (setup_.poll.count() > 0) return;
   MailStore& store = session_.store();
@@ -130,7 +143,8 @@ bool Watch::add(const MailFolder& folder, std::string_view unique, Location loca
 void Watch::hear() {
   FolderWatcher::News news = watcher_.read();
   if (news.file) {
-    const auto before = std::exchange(watched_, session_.watchedFolders(true));
+    const auto before = watched_;
+    readSettings();
     news.folders = news.folders || before != watched_;
   }
   for (const auto& [path, location] : news.appeared) {
@@ -202,6 +216,7 @@ void Watch::catchUp() {
 void Watch::begin() {
   listen();
   lookAtAll();
+  seen_.flush();  // a first look that is forgotten would be made again, and take for seen what has come since
 }
 
 void Watch::run() {
@@ -237,7 +252,7 @@ void Watch::rest() {
     }
   }
   if (setup_.poll.count() == 0) return;
-  watched_ = session_.watchedFolders(true);
+  readSettings();
   session_.store().refresh();
   lookAtAll();
 }

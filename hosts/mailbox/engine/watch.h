@@ -33,7 +33,8 @@ class Watch {
   // Handles what has arrived since the last run, oldest first in each folder; what is there at the first look
   // counts as seen. Throws Failure when what was seen cannot be remembered.
   void catchUp();
-  // Listens, and looks at every folder once: whatever arrives from here on is handled by run(). Throws Failure.
+  // Listens, and looks at every folder once: whatever arrives from here on is handled by run(). Throws
+  // Failure.
   void begin();
   // After begin(): catches up, and goes on until it is to stop. Throws Failure.
   void run();
@@ -55,6 +56,7 @@ class Watch {
   static Stamp stampOf(const MailFolder& folder);
 
   std::vector<WatchedFolder> folders();
+  void readSettings();
   void listen();
   void hear();
   void lookAtAll();
@@ -73,6 +75,7 @@ class Watch {
   WatchSetup setup_;
   FolderWatcher watcher_;
   std::set<std::string> watched_;
+  Text complaint_;                       // about the settings as they are
   std::map<std::string, Stamp> looked_;  // by path: how a folder was when all of it had been seen
   std::deque<Arrival> queue_;
   std::set<Arrival> queued_;
