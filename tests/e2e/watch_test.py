@@ -203,6 +203,26 @@ def a_save_by_hand_beside_it_shares_the_messages(home):
     home.stop(watch)
 
 
+def what_was_saved_by_hand_is_not_saved_again(home):
+    """Though the message stays as it was."""
+    home.run("settings", "set", "RemoveAttachment", "0")
+    home.run("settings", "set", "AddURL", "0")
+    home.deliver(message("by hand", [("by-hand.pdf", b"x")]))
+    home.run("save")
+    home.deliver(message("later", [("later.pdf", b"x")]))
+    assert [entry["file_name"] for entry in home.once()["saved"]] == ["later.pdf"]
+    watch = home.watch()
+    watch.send_signal(signal.SIGSTOP)
+    home.deliver(message("beside", [("beside.pdf", b"x")]))
+    home.run("save")
+    number = len(home.saved())
+    watch.send_signal(signal.SIGCONT)
+    home.deliver(message("last", [("last.pdf", b"x")]))
+    wait_until(lambda: len(home.documents_printed()) >= 1, "the last one is handled")
+    home.stop(watch)
+    assert len(home.saved()) == number + 1, home.saved()
+
+
 def a_manual_run_is_not_taken_for_the_watchs_own(home):
     home.run("settings", "set", "OptionalRenameWanted", "1")  # asks for a path in a manual run, and only there
     watch = home.watch("--answer", "cancel")

@@ -30,6 +30,7 @@ int runSave(const Options& options) {
     return not_all_done;
   }
   session->start();
+  session->tellWatch();
   session->select(folder, std::move(items));
   session->pressButton();
   session->finish();

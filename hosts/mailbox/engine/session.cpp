@@ -10,10 +10,12 @@
 #include "core/settings/number.h"
 #include "core/settings/settings.h"
 #include "core/settings/settings_table.h"
+#include "hosts/mailbox/engine/handled_notes.h"
 #include "hosts/mailbox/engine/host_user.h"
 #include "hosts/mailbox/engine/item_order.h"
 #include "hosts/mailbox/engine/known_folders.h"
 #include "hosts/mailbox/engine/mailbox_engine.h"
+#include "hosts/mailbox/engine/seen.h"
 #include "hosts/mailbox/services/clock.h"
 #include "hosts/mailbox/services/dates.h"
 #include "hosts/mailbox/services/file_system.h"
@@ -59,6 +61,7 @@ struct Session::Parts {
         trace(setup.trace),
         store(MailStore::open(setup.mail)),
         progress(terminal, setup.progress),
+        handled(seenFile(stateFolder(), store->directory())),
         report(withProgress(setup.listeners)),
         batch(report),
         client(MailClient::create({.store = *store, .batch = batch, .reports = report})),
@@ -106,6 +109,7 @@ struct Session::Parts {
     };
     listeners.nextItem = [this] { progress.nextItem(); };
     listeners.saved = [this, told = std::move(listeners.saved)](const SavedEntry& file) {
+      if (tellsWatch) handled.add(file.item);
       progress.file(file.fileName, file.size);
       if (told) told(file);
     };
@@ -123,6 +127,8 @@ struct Session::Parts {
   std::shared_ptr<MailStore> store;
   StandardTerminal terminal;
   Progress progress;
+  HandledNotes handled;
+  bool tellsWatch = false;
   RunReport report;
   Batch batch;
   std::shared_ptr<MailClient> client;
@@ -263,6 +269,10 @@ void Session::arrived(const std::shared_ptr<MailFolder>& folder, const std::stri
   endOfEvent();
   parts_->batch.commit();
 }
+
+void Session::tellWatch() { parts_->tellsWatch = true; }
+
+std::vector<std::string> Session::toldByOthers() { return parts_->handled.take(); }
 
 void Session::reportError(TextView message, TextView source) {
   parts_->engine.reportError(message, 0, source);

@@ -83,6 +83,10 @@ class Session {
   // A message has arrived in a watched folder: the module handles it, and all of that is on disk when this
   // returns.
   void arrived(const std::shared_ptr<MailFolder>& folder, const std::string& unique);
+  // A watch over the same store is told of each message that is saved from here on.
+  void tellWatch();
+  // The ids of the messages that others have told of, each once.
+  std::vector<std::string> toldByOthers();
   // Reports an error of the engine's own, as the module's are.
   void reportError(TextView message, TextView source);
 

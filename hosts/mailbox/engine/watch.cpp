@@ -93,7 +93,16 @@ void Watch::listen() {
   } while (folders() != heard);
 }
 
+// What was saved from by hand is handled.
+void Watch::takeNotes() {
+  for (const std::string& id : session_.toldByOthers()) {
+    const auto address = session_.store().address(id);
+    if (address && seen_.knows(address->folder->path())) seen_.add(address->folder->path(), address->unique);
+  }
+}
+
 void Watch::lookAtAll() {
+  takeNotes();
   for (const WatchedFolder& folder : folders()) look(folder.path);
   ::malloc_trim(0);  // a reading of a large folder takes more than the rest of the time
 }
@@ -180,6 +189,7 @@ void Watch::handleNext() {
 }
 
 void Watch::handle(const Arrival& arrival) {
+  takeNotes();
   const auto folder = session_.store().folder(arrival.folder);
   if (!folder || seen_.contains(arrival.folder, arrival.unique)) return;
   bool gone = false;

@@ -69,6 +69,7 @@ class Watch {
   void later(const Arrival& arrival, std::chrono::seconds delay);
   void setAside(const MailFolder& folder, const std::string& unique);
   void rest();
+  void takeNotes();
 
   Session& session_;
   Seen& seen_;
