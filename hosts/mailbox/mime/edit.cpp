@@ -25,8 +25,17 @@ std::vector<PartIndex> leaves(const PartTree& tree) {
   return found;
 }
 
+// A header that ends with the message, in the middle of a line, gets a line end when something is put behind
+// it.
+std::string_view withoutLineEnd(std::string_view header) {
+  if (header.ends_with('\n')) header.remove_suffix(1);
+  if (header.ends_with('\r')) header.remove_suffix(1);
+  return header;
+}
+
 bool sameLeaf(const PartTree& tree, PartIndex part, const PartTree& other, PartIndex otherPart) {
-  const bool sameHeader = part == 0 || tree.header(part).block() == other.header(otherPart).block();
+  const bool sameHeader = part == 0 || withoutLineEnd(tree.header(part).block()) ==
+                                           withoutLineEnd(other.header(otherPart).block());
   return sameHeader && tree[part].encoding == other[otherPart].encoding &&
          tree[part].body.size() == other[otherPart].body.size();
 }

@@ -103,10 +103,13 @@ void Splice::beginWrap() {
   becomeMixed();
 }
 
+// A bare CR at the end of the body gets a line end with a CR of its own, or it would become a part of that.
 void Splice::endWrap() {
+  const auto at = tree_[0].body.end;
   auto closing = newParts({}, edit_.added_, edit_.boundary_);
   append(closing, lineEnd_ + "--" + edit_.boundary_ + "--" + lineEnd_);
-  const auto at = tree_[0].body.end;
+  const bool endsBare = lineEnd_ == "\n" && !tree_[0].body.empty() && tree_.message()[at - 1] == '\r';
+  if (endsBare) changes_.push_back({{at, at}, {std::string{"\r"}}});
   changes_.push_back({{at, at}, std::move(closing)});
 }
 

@@ -247,3 +247,18 @@ TEST(Edit, IsRefusedByTheCheckWhenAByteIsNotAsItShouldBe) {
     EXPECT_FALSE(check(mixed, pieces, edit.cuts(), wrong)) << i;
   }
 }
+
+TEST(Edit, AddsAPartBehindABodyThatEndsInABareCarriageReturn) {
+  EXPECT_EQ(rewritten("Subject: s\n\nbody\r", [](Edit& edit) { edit.addBody(BodyFormat::plain, u"new"); }),
+            "Subject: s\nMIME-Version: 1.0\nContent-Type: multipart/mixed;\n boundary=\"NEW\"\n\n\n--NEW\n"
+            "Content-Type: text/plain; charset=us-ascii\nContent-Transfer-Encoding: 7bit\n\nnew\n"
+            "--NEW\n\nbody\r\r\n--NEW--\n");
+}
+
+TEST(Edit, AddsAPartBehindAnEmbeddedHeaderThatEndsWithTheMessage) {
+  EXPECT_EQ(rewritten("Content-Type: message/rfc822\n\nSubject: in",
+                      [](Edit& edit) { edit.addBody(BodyFormat::plain, u"new"); }),
+            "MIME-Version: 1.0\nContent-Type: multipart/mixed;\n boundary=\"NEW\"\n\n\n--NEW\n"
+            "Content-Type: text/plain; charset=us-ascii\nContent-Transfer-Encoding: 7bit\n\nnew\n"
+            "--NEW\nContent-Type: message/rfc822\n\nSubject: in\n--NEW--\n");
+}
