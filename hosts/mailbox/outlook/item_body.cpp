@@ -2,24 +2,11 @@
 
 #include "hosts/mailbox/outlook/link_notes.h"
 #include "hosts/mailbox/outlook/plain_text.h"
+#include "hosts/mailbox/outlook/rtf_letters.h"
 #include "hosts/mailbox/services/failure.h"
 
 namespace quillfile::mailbox {
 namespace {
-
-// RTF is an ASCII format: other characters are written as control words, with "?" for readers that do not
-// know them.
-Text rtfEscaped(TextView text) {
-  Text result;
-  for (const char16_t unit : text) {
-    if (unit < 0x80) {
-      result += unit;
-    } else {
-      result += fill(u"\\u{}?", static_cast<std::int16_t>(unit));
-    }
-  }
-  return result;
-}
 
 Text without(TextView text, TextView ends) { return replaceAll(text, ends, u""); }
 
@@ -56,12 +43,14 @@ ItemBodies::Body& ItemBodies::body(BodyKind kind) {
 Text ItemBodies::text(BodyKind kind) {
   const bool made = kind == BodyKind::plain && part(kind) == mime::noPart && !body(kind).change.changed();
   if (made && format() == u"HTML") return htmlToText(withPlainNotes(text(BodyKind::html)));
-  if (made && format() == u"RTF") return rtfToText(text(BodyKind::rtf));
-  return body(kind).change.current();
+  if (made && format() == u"RTF") return rtfToText(body(BodyKind::rtf).change.current());
+  const Text& current = body(kind).change.current();
+  return kind == BodyKind::rtf ? rtfUnescaped(current) : current;
 }
 
 void ItemBodies::set(BodyKind kind, TextView text) {
-  body(kind).change.set(kind == BodyKind::rtf ? TextView{rtfEscaped(text)} : text);
+  auto& change = body(kind).change;
+  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), text) : Text{text});
 }
 
 bool ItemBodies::changed() const {

@@ -18,7 +18,8 @@ class ItemBodies {
 
   // "HTML", "RTF", "TEXT"
   TextView format() const;
-  // Decoded at the first call. The plain body of a message that has none is made from the one it has.
+  // Decoded at the first call. The plain body of a message that has none is made from the one it has. In rich
+  // text the characters that set() has to write as control words ("\u8364?") are characters.
   Text text(BodyKind kind);
   void set(BodyKind kind, TextView text);
   bool changed() const;

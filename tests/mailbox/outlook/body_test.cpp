@@ -2,6 +2,7 @@
 // touched.
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/link_notes.h"
+#include "hosts/mailbox/outlook/rtf_letters.h"
 #include "tests/mailbox/outlook/module_links.h"
 
 namespace quillfile::mailbox {
@@ -91,6 +92,43 @@ TEST_P(OutlookBodies, NotesAreFoundAndErasedToTheVeryText) {
 INSTANTIATE_TEST_SUITE_P(AllForms, OutlookBodies,
                          testing::Combine(testing::Range(0, static_cast<int>(std::size(forms))),
                                           testing::Bool()));
+
+class OutlookRichText : public OutlookLinks {};
+
+TEST_F(OutlookRichText, NotesWithLettersOfAnyKindAreFoundAndErasedToTheVeryText) {
+  const std::string spelled = "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80";
+  const std::string body = "{\\rtf1\\ansi \\u233? \\\\u233? caf\\'e9 \\u0233? \\u8364 ?\\par}";
+  const auto message = messageOf({spelled, "text/rtf", "us-ascii", "7bit", body});
+  const auto item = deliver(message);
+  ASSERT_EQ(item->bodyFormat(), u"RTF");
+  const auto before = item->body(BodyKind::rtf);
+  EXPECT_EQ(before, u"{\\rtf1\\ansi \u00E9 \\\\u233? caf\\'e9 \\u0233? \\u8364 ?\\par}");
+  for (int i = 3; i >= 1; --i) ASSERT_EQ(strip(item, i), Removal::removed);
+  finish();
+  EXPECT_NE(bytesOf(item).find("caf\\u233? \\u8364? \\u-10179?\\u-8704?.pdf"), std::string::npos)
+      << bytesOf(item);
+
+  EXPECT_TRUE(restore(item));
+  finish();
+  ASSERT_EQ(told.failed, std::vector<std::string>{});
+  ASSERT_EQ(item->attachments()->count(), 3) << bytesOf(item);
+  EXPECT_EQ(item->attachments()->item(3)->fileName(), fromUtf8(spelled + ".pdf"));
+  EXPECT_EQ(item->body(BodyKind::rtf), before);
+  EXPECT_NE(bytesOf(item).find("\n\n" + body + "\n--b"), std::string::npos) << bytesOf(item);
+}
+
+TEST(RtfLetters, AreWrittenAsControlWordsWhereTheTextChangesAndNowhereElse) {
+  const TextView rtf = u"{a \\u233? \\\\u233? raw \u00E9 \\\u00E9 \\u-3?}";
+  const Text shown = rtfUnescaped(rtf);
+  EXPECT_EQ(shown, u"{a \u00E9 \\\\u233? raw \u00E9 \\\u00E9 \uFFFD}");
+  EXPECT_EQ(rtfChanged(rtf, shown), rtf);
+  EXPECT_EQ(rtfChanged(rtf, shown.substr(0, shown.size() - 1) + u"\u20AC}"),
+            Text{rtf.substr(0, rtf.size() - 1)} + u"\\u8364?}");
+  EXPECT_EQ(rtfChanged(rtf, u"\u00E9" + shown), u"\\u233?" + Text{rtf});
+  EXPECT_EQ(rtfChanged(rtf, u"x"), u"x");
+  EXPECT_EQ(rtfChanged(rtf, u""), u"");
+  EXPECT_EQ(rtfChanged(u"", u"\u00E9"), u"\\u233?");
+}
 
 class OutlookAlternatives : public OutlookLinks {};
 

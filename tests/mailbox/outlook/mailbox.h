@@ -102,6 +102,10 @@ class OutlookItems : public testing::Test {
         changed.replace(at, tag.size(), atEnd ? text + u"</Body>" : u"<Body>" + text);
       }
       item.setBody(BodyKind::html, changed);
+    } else if (item.bodyFormat() == u"RTF") {
+      const auto rtf = item.body(BodyKind::rtf);
+      item.setBody(BodyKind::rtf,
+                   fill(u"{}\\par\r\nAttachment saved to <{}>\\par}", rtf.substr(0, rtf.rfind(u'}')), link));
     } else {
       const auto text = fill(u"Attachment saved to <{}>", link);
       const auto plain = item.body(BodyKind::plain);
