@@ -1,23 +1,15 @@
 // The decoders. Whatever the bytes are: what is not doubted is what the second decoder reads, and what the
 // second one reads is never doubted or read otherwise.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "hosts/mailbox/mime/charset.h"
 #include "hosts/mailbox/mime/decode.h"
 #include "hosts/mailbox/mime/encode.h"
+#include "tests/fuzz/require.h"
 
 using namespace quillfile;
 using namespace quillfile::mime;
-
-namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
 
 // The first byte chooses the encoding.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,18 +1,14 @@
 // Bodies of any make against the reader of link notes. Each turn of a walk makes the body shorter or moves
 // forward in it, there are no more turns than notes could stand in the body, and both commands come to their
 // end.
-#include <cstdlib>
 
 #include "core/links/link_commands.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fuzz/require.h"
 
 namespace {
 
 using namespace quillfile;
-
-void check(bool holds) {
-  if (!holds) std::abort();
-}
 
 // The first byte chooses the format and the system; the others are the body, one unit each or two.
 Text bodyFrom(const std::uint8_t* data, std::size_t size, bool wide) {
@@ -27,14 +23,14 @@ void walk(QuillfileExtended& links, const PathRules& paths, TextView format, con
   std::size_t turns = 0, length = start.size();
   Position from = 0;
   while (walk.next()) {
-    check(++turns <= start.size() / TextView{u"Attachment saved to"}.size() + 1);
-    check(turns == 1 || walk.body().size() < length || walk.position() == 0 || walk.position() > from);
+    require(++turns <= start.size() / TextView{u"Attachment saved to"}.size() + 1);
+    require(turns == 1 || walk.body().size() < length || walk.position() == 0 || walk.position() > from);
     length = walk.body().size();
     from = walk.position();
     const Text note = fill(u"Attachment saved to <{}>", paths.linkTo(walk.fileName()));
     walk.change(format == u"TEXT" ? replaceAll(walk.body(), note, u"")
                                   : links.EraseString(walk.body(), format));
-    check(walk.body().size() <= length);
+    require(walk.body().size() <= length);
   }
 }
 
@@ -59,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   LinkCommands commands{ports, world.mailHelper, application};
   const ItemData item{
       .subject = u"F", .format = Text{format}, .body = body, .htmlBody = body, .rtfBody = body};
-  check(commands.ReplaceLinksWithAttachments(world.addItem(item)));
-  check(commands.JustEraseLinks(world.addItem(item)));
+  require(commands.ReplaceLinksWithAttachments(world.addItem(item)));
+  require(commands.JustEraseLinks(world.addItem(item)));
   return 0;
 }

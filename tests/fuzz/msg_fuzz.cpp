@@ -1,9 +1,9 @@
 // Any bytes as a message file: an answer, and attachments that give as many bytes as they say, not more than
 // the file has.
 #include <cstdint>
-#include <cstdlib>
 
 #include "hosts/mailbox/formats/msg/message_file.h"
+#include "tests/fuzz/require.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ std::uint64_t total(const quillfile::formats::MessageContent& message) {
     if (one.message) result += total(*one.message);
     std::uint64_t given = 0;
     if (one.data) one.data([&](std::string_view bytes) { given += bytes.size(); });
-    if (given != one.size) std::abort();
+    require(given == one.size);
     // An OLE object is written as a file of its own, with its own tables.
     if (one.method != quillfile::formats::AttachMethod::ole) result += given;
   }
@@ -25,6 +25,6 @@ std::uint64_t total(const quillfile::formats::MessageContent& message) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   const auto read = quillfile::formats::readMessageFile(input);
-  if (read && total(read->content) > size) std::abort();
+  require(!read || total(read->content) <= size);
   return 0;
 }

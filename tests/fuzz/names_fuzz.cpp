@@ -1,6 +1,5 @@
 // Names. Whatever a header says: one clean component that stays below its folder.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "hosts/mailbox/mime/address.h"
@@ -8,15 +7,12 @@
 #include "hosts/mailbox/mime/content_type.h"
 #include "hosts/mailbox/mime/date.h"
 #include "hosts/mailbox/mime/header_value.h"
+#include "tests/fuzz/require.h"
 
 using namespace quillfile;
 using namespace quillfile::mime;
 
 namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void requireClean(const Text& name) {
   const auto bytes = toUtf8(name);

@@ -1,9 +1,9 @@
 // A message made of the input's bytes, written in each format and read back: the same message.
 #include <cstdint>
-#include <cstdlib>
 
 #include "hosts/mailbox/formats/msg/message_file.h"
 #include "hosts/mailbox/formats/tnef/tnef.h"
+#include "tests/fuzz/require.h"
 
 using namespace quillfile;
 using namespace quillfile::formats;
@@ -65,10 +65,6 @@ MessageContent message(Input& input, int depth) {
     result.attachments.push_back(std::move(one));
   }
   return result;
-}
-
-void require(bool equal) {
-  if (!equal) std::abort();
 }
 
 void compare(const MessageContent& read, const MessageContent& given) {

@@ -1,21 +1,17 @@
 // The scanner and the splice. Whatever the bytes are: the parts lie inside one another, an edit keeps every
 // byte outside of it, and the rewritten message has the parts that were to stay.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "hosts/mailbox/mime/edit.h"
 #include "hosts/mailbox/mime/protection.h"
 #include "hosts/mailbox/mime/scan.h"
+#include "tests/fuzz/require.h"
 
 using namespace quillfile;
 using namespace quillfile::mime;
 
 namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void requireNested(const PartTree& tree) {
   for (PartIndex i = 0; i < tree.size(); ++i) {

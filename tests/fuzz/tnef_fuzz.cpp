@@ -1,8 +1,8 @@
 // Any bytes as a TNEF stream: an answer, and attachments that give as many bytes as they say.
 #include <cstdint>
-#include <cstdlib>
 
 #include "hosts/mailbox/formats/tnef/tnef.h"
+#include "tests/fuzz/require.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ void check(const quillfile::formats::MessageContent& message, std::string_view i
     const bool inside =
         one.range->empty() || (one.range->data() >= input.data() &&
                                one.range->data() + one.range->size() <= input.data() + input.size());
-    if (!inside || one.range->size() != one.size) std::abort();
+    require(inside && one.range->size() == one.size);
   }
 }
 

@@ -6,51 +6,11 @@
 #include <memory>
 
 #include "core/saving/naming.h"
-#include "core/saving/quillfile_routines.h"
+#include "tests/core/saving/saving.h"
 #include "tests/fakes/failure_sweep.h"
-#include "tests/fakes/fake_platform.h"
 #include "tests/fakes/transcript.h"
 
 namespace quillfile {
-
-// The engine over a world that outlives it.
-class Saving {
- public:
-  explicit Saving(FakePlatform& world)
-      : settings_(world.settings, world.services, world.paths),
-        fileTimes_(world.log, world.files, world.dates, world.paths),
-        fileWaiting_(world.log, world.files, world.clock, world.user),
-        savePathForm_(world.log, settings_, world.dialogs, world.paths),
-        routines(portsOf(world), state) {}
-
- private:
-  SavingPorts portsOf(FakePlatform& world) {
-    return {.services = world.services,
-            .utilities = world.utilities,
-            .mailHelper = world.mailHelper,
-            .settings = settings_,
-            .files = world.files,
-            .dates = world.dates,
-            .letters = world.letters,
-            .programs = world.programs,
-            .user = world.user,
-            .fileTimes = fileTimes_,
-            .fileWaiting = fileWaiting_,
-            .savePathForm = savePathForm_,
-            .trace = Trace{world.log},
-            .paths = world.paths,
-            .installationFolder = world.installationFolder()};
-  }
-
-  Settings settings_;
-  ManipulateFileTime fileTimes_;
-  Files fileWaiting_;
-  frmSavePath savePathForm_;
-
- public:
-  SavingState state;
-  QuillfileRoutines routines;
-};
 
 // "/Saved/a.pdf" as the system of `rules` writes it: "C:\Saved\a.pdf" under Windows.
 inline Text native(const PathRules& rules, TextView path) {
