@@ -32,6 +32,9 @@ ONE = {"attachments": [(1, "report.pdf", 30_000)], "flags": {1: "S"}}
 # More than the program flushes at once, so that its groups overlap.
 MANY = {"attachments": [(n, "image.png", 300 + n) for n in range(1, 201)], "flags": {n: "" for n in range(1, 201)}}
 
+# As few as make two groups.
+TWO_GROUPS = {"attachments": [(n, "image.png", 3000 + n) for n in range(1, 81)], "flags": {n: "S" for n in range(1, 81)}}
+
 
 def message(number: int, attachments: list) -> bytes:
     lines = ["From: Ann <ann@example.org>", "To: Bob <bob@example.org>", f"Subject: Message {number}",
