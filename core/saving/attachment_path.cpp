@@ -37,7 +37,8 @@ Text renamedPath(const SavingPorts& ports, const Ref<Item>& item, TextView folde
   const auto renamed = renameWithKeywords(ports, item, name);
   auto path = join(folder, renamed);
   if (!ports.utilities.fileExists(path)) return path;
-  const auto [base, extension] = partsOf(renamed);
+  const bool hasExtension = !partsOf(name).extension.empty();
+  const auto [base, extension] = hasExtension ? partsOf(renamed) : NameParts{renamed, {}};
   return ports.files.firstFreePath(folder, base, extension);
 }
 
@@ -65,10 +66,11 @@ Target replacedPath(const SavingPorts& ports, TextView folder, TextView name) {
 
 Target attachmentPath(const SavingPorts& ports, const Ref<Item>& item, TextView name, TextView savePath) {
   const auto folder = StripInvalidCharacters(ports.paths, savePath, u"-");
-  if (userChoosesPath(ports)) return askForPath(ports, folder, name);
+  const auto asItStands = componentOf(ports.paths, name);
+  if (userChoosesPath(ports)) return askForPath(ports, folder, asItStands);
   checkFolder(ports, folder);
   if (ports.settings.flag(u"AutomaticRename")) return renamedPath(ports, item, folder, name);
-  return replacedPath(ports, folder, name);
+  return replacedPath(ports, folder, asItStands);
 }
 
 }  // namespace quillfile

@@ -1,27 +1,29 @@
 #include "core/saving/naming.h"
 
 namespace quillfile {
+namespace {
+
+Text replacedEach(TextView name, TextView unwanted, TextView replacement) {
+  Text result{name};
+  for (const auto& unit : unwanted) result = replaceAll(result, TextView{&unit, 1}, replacement);
+  return result;
+}
+
+}  // namespace
 
 Text StripInvalidCharacters(const PathRules& paths, TextView name, TextView replacement) {
   const bool hasDrive = paths.drives && middle(name, 2, 1) == u":";
-  Text result{name};
-  for (const auto& invalid : paths.invalidInPath)
-    result = replaceAll(result, TextView{&invalid, 1}, replacement);
+  auto result = replacedEach(name, paths.invalidInPath, replacement);
   if (hasDrive) result = Text{left(result, 1)}.append(u":").append(from(result, 3));
   return result;
 }
 
 Text cleanedName(const PathRules& paths, TextView name) {
-  Text result{name};
-  for (const TextView unwanted :
-       {TextView{u"#"}, TextView{u"?"}, TextView{u"&"}, paths.separator, paths.otherSeparator})
-    result = replaceAll(result, unwanted, u"-");
-  return result;
+  return replacedEach(name, fill(u"#?&{}{}", paths.separator, paths.otherSeparator), u"-");
 }
 
-Text attachmentName(const PathRules& paths, TextView fileName, const std::function<Text()>& displayName) {
-  auto name = cleanedName(paths, fileName);
-  return trim(name).empty() ? cleanedName(paths, displayName()).append(u".txt") : name;
+Text componentOf(const PathRules& paths, TextView name) {
+  return replacedEach(name, paths.invalidInPath, u"-");
 }
 
 Text shortenedForPrompt(TextView name) {

@@ -1,8 +1,6 @@
 // Names: how the texts of a mail become names of files.
 #pragma once
 
-#include <functional>
-
 #include "core/platform/path_rules.h"
 #include "core/text/text.h"
 
@@ -15,9 +13,9 @@ Text StripInvalidCharacters(const PathRules& paths, TextView name, TextView repl
 // A name as one path component: "#", "?" and "&" would break a link, a separator would leave the folder.
 Text cleanedName(const PathRules& paths, TextView name);
 
-// The name under which an attachment is saved: its file name, else its display name (asked for only then) as
-// a text file.   "", "Note #1" -> "Note -1.txt"
-Text attachmentName(const PathRules& paths, TextView fileName, const std::function<Text()>& displayName);
+// A cleaned name that is to be a file's as it stands: what no path can hold becomes "-". A link to such a
+// file, where there can be one, would end at the ">".   "a<b>.pdf" -> "a-b-.pdf"
+Text componentOf(const PathRules& paths, TextView name);
 
 // A name longer than 128 units cut to its first 40 and its extension, for the Save-As form.
 Text shortenedForPrompt(TextView name);

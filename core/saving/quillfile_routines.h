@@ -61,6 +61,7 @@ class QuillfileRoutines final : public SavingEngine {
 
   // The halves of SaveAttachment: before a byte is written, and from there on.
   Target chooseTarget(const Ref<Item>& item, Attachment& attachment, TextView savePath, Step& at);
+  Text attachmentName(Attachment& attachment);
   SaveResult saveTo(const Ref<Item>& item, Attachment& attachment, const SavingContext& context,
                     TextView path, Step& at);
   bool saveToDisk(Attachment& attachment, TextView path, const Step& at);

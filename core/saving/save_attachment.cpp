@@ -53,8 +53,7 @@ Target QuillfileRoutines::chooseTarget(const Ref<Item>& item, Attachment& attach
     return SaveResult::skipped;
   }
   at(2);
-  const auto cleaned =
-      attachmentName(ports_.paths, attachment.fileName(), [&] { return attachment.displayName(); });
+  const auto cleaned = attachmentName(attachment);
   at(3);
   const auto exclusions = ports_.settings.text(u"ExclusionList");
   if (!exclusions.empty() && IsAMatch(cleaned, exclusions)) return SaveResult::skipped;
@@ -70,6 +69,14 @@ Target QuillfileRoutines::chooseTarget(const Ref<Item>& item, Attachment& attach
     ports_.trace(name, u"Saving attachment to: {}", *path);
   }
   return target;
+}
+
+// The file name; without one, the display name as a text file. That can be any text, of any length.
+//   "", "Note #1" -> "Note -1.txt"
+Text QuillfileRoutines::attachmentName(Attachment& attachment) {
+  auto fileName = cleanedName(ports_.paths, attachment.fileName());
+  if (!trim(fileName).empty()) return fileName;
+  return ports_.utilities.cleanFileName(cleanedName(ports_.paths, attachment.displayName())).append(u".txt");
 }
 
 SaveResult QuillfileRoutines::saveTo(const Ref<Item>& item, Attachment& attachment,

@@ -95,6 +95,27 @@ class HostileNames(Case):
         self.assertDone(self.home.run("save"))
         self.assertEqual(list(self.home.saved_files()), ["Re 34Mbit-s Netz.eml"])
 
+    def test_a_name_that_would_end_a_link_early_can_be_found_by_it(self):
+        description = "attachment\r\nContent-Description: "
+        for disposition, name in (
+            ('attachment; filename="a<b>c|d.txt"', "a-b-c-d.txt"),
+            (description + 'x"><b>y</b>', "xby-b.txt"),
+            (description + "=?utf-8?q?..=2F=00=0A" + "y" * 300 + "?=", "..-"),
+        ):
+            with self.subTest(disposition):
+                self.home.set(AutomaticRename=0, RemoveAttachment=1, AddURL=1, RetainPaperclip=0)
+                for path in self.home.messages():
+                    path.unlink()
+                self.home.add(raw("Content-Disposition: " + disposition))
+                before = parsed(self.home.message())
+                self.assertDone(self.home.run("save"))
+                (saved,) = self.home.saved_files()
+                self.assertTrue(saved.startswith(name), saved)
+                self.assertDone(self.home.run("restore", "1"))
+                (back,) = parsed(self.home.message()).iter_attachments()
+                self.assertEqual(back.get_content(), next(before.iter_attachments()).get_content())
+                (self.home.saved / saved).unlink()
+
 
 class TakenNames(Case):
     def test_the_first_free_number_is_taken(self):

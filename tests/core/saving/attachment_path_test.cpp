@@ -6,9 +6,9 @@ namespace {
 
 class AttachmentPath : public SavingUnderBothRules {
  protected:
-  std::shared_ptr<FakeItem> mail(ItemData data, TextView fileName) {
+  std::shared_ptr<FakeItem> mail(ItemData data, TextView fileName, TextView displayName = u"Note #1") {
     auto item = world.addItem(std::move(data));
-    item->attach({.fileName = Text{fileName}, .displayName = u"Note #1"});
+    item->attach({.fileName = Text{fileName}, .displayName = Text{displayName}});
     return item;
   }
   SaveResult save(const std::shared_ptr<FakeItem>& item) {
@@ -32,7 +32,34 @@ class AttachmentPath : public SavingUnderBothRules {
 TEST_P(AttachmentPath, TheDefaultIsTheAttachmentsOwnName) {
   EXPECT_EQ(savedName(mail({}, u"a.b.pdf")), u"a.b.pdf");
   EXPECT_EQ(savedName(mail({}, u"README")), u"README");
-  EXPECT_EQ(savedName(mail({}, u"")), u"Note -1.txt");
+}
+
+TEST_P(AttachmentPath, AnEmptyFileNameGivesWayToTheDisplayNameAsATextFile) {
+  for (const TextView rename : {u"0", u"1"}) {
+    world.settings.set(u"AutomaticRename", rename);
+    EXPECT_EQ(savedName(mail({}, u"")), u"Note -1.txt");
+    world.files.erase(path(u"/Saved/Note -1.txt"));
+    EXPECT_EQ(savedName(mail({}, u"  ", u"RE: what?")), u"RE what-.txt");
+    world.files.erase(path(u"/Saved/RE what-.txt"));
+  }
+}
+
+// With a line end in it the note would be in two lines, and nobody would find the file by it.
+TEST_P(AttachmentPath, ANameThatIsTakenAsItStandsHoldsNothingThatEndsALink) {
+  renameOff();
+  EXPECT_EQ(savedName(mail({}, u"a<b>:c.txt")), u"a-b--c.txt");
+  world.settings.set(u"AutomaticRename", u"1");
+  EXPECT_EQ(savedName(mail({}, u"a<b>:c.txt")), u"abc.txt");
+  world.settings.set(u"OptionalRenameWanted", u"1");
+  world.settings.set(u"ButtonClicked", u"1");
+  EXPECT_EQ(save(mail({}, u"a<b>:c.txt")), SaveResult::cancelled);
+  EXPECT_EQ(world.dialogs.requests.at(0).fileName, path(u"/Saved/a-b--c.txt"));
+}
+
+TEST_P(AttachmentPath, ADisplayNameIsCleanedLikeAnyTextThatBecomesAName) {
+  renameOff();
+  EXPECT_EQ(savedName(mail({}, u"", u"a\r\nb\u0001")), u"ab.txt");
+  EXPECT_EQ(savedName(mail({}, u"", u"../<x>")), u"..-x.txt");
 }
 
 TEST_P(AttachmentPath, TheReceivedDateIsTheUsersWithHyphens) {
@@ -80,6 +107,16 @@ TEST_P(AttachmentPath, ATakenNameIsNumbered) {
   EXPECT_EQ(savedName(mail({}, u"x.pdf")), u"x-2.pdf");
   world.files.add(path(u"/Saved/README"));
   EXPECT_EQ(savedName(mail({}, u"README")), u"README-1");
+}
+
+// The points are those of an address and a subject.
+TEST_P(AttachmentPath, ANumberStandsAtTheEndOfANameWithoutAnExtension) {
+  keywords(u"<sender address> <subject>");
+  const auto item = [&](TextView name) { return mail({.label = u"A", .subject = u"v1.2"}, name); };
+  EXPECT_EQ(savedName(item(u"README")), u"ada@example.com v1.2");
+  EXPECT_EQ(savedName(item(u"README")), u"ada@example.com v1.2-1");
+  EXPECT_EQ(savedName(item(u"a.pdf")), u"ada@example.com v1.2.pdf");
+  EXPECT_EQ(savedName(item(u"a.pdf")), u"ada@example.com v1.2-1.pdf");
 }
 
 TEST_P(AttachmentPath, TheRunIsTracedStepByStep) {

@@ -7,7 +7,6 @@ namespace {
 
 constexpr auto windows = PathRules::windows();
 constexpr auto posix = PathRules::posix();
-const auto noDisplayName = [] { return Text{}; };
 
 TEST(Naming, ADriveColonSurvivesTheInvalidCharacters) {
   EXPECT_EQ(StripInvalidCharacters(windows, u"C:\\Mail:In\\a?b.pdf", u"-"), u"C:\\Mail-In\\a-b.pdf");
@@ -22,23 +21,22 @@ TEST(Naming, WhereThereAreNoDrivesEveryColonGoes) {
   EXPECT_EQ(StripInvalidCharacters(posix, u"/home/ada/Mail/", u"-"), u"/home/ada/Mail/");
 }
 
-TEST(Naming, AnEmptyFileNameBecomesTheDisplayNameAsATextFile) {
-  const auto displayName = [] { return Text{u"Note #1"}; };
-  EXPECT_EQ(attachmentName(windows, u"", displayName), u"Note -1.txt");
-  EXPECT_EQ(attachmentName(posix, u"  ", displayName), u"Note -1.txt");
-  EXPECT_EQ(attachmentName(posix, u"", noDisplayName), u".txt");
+TEST(Naming, AFileNameLosesWhatWouldBreakALink) {
+  for (const auto& rules : {windows, posix}) {
+    EXPECT_EQ(cleanedName(rules, u"a#b?c&d.pdf"), u"a-b-c-d.pdf");
+    EXPECT_EQ(cleanedName(rules, u" a.pdf "), u" a.pdf ");
+  }
 }
 
-TEST(Naming, AFileNameLosesWhatWouldBreakALink) {
-  EXPECT_EQ(attachmentName(windows, u"a#b?c&d.pdf", noDisplayName), u"a-b-c-d.pdf");
-  EXPECT_EQ(attachmentName(posix, u" a.pdf ", noDisplayName), u" a.pdf ");
+TEST(Naming, WhatNoPathCanHoldIsInNoNameEither) {
+  for (const auto& rules : {windows, posix})
+    EXPECT_EQ(componentOf(rules, u"a:<b>c|d:e*f\"g.txt"), u"a--b-c-d-e-f-g.txt");
 }
 
 TEST(Naming, NoNameLeavesTheFolder) {
   for (const auto& rules : {windows, posix}) {
-    EXPECT_EQ(attachmentName(rules, u"../../etc/passwd", noDisplayName), u"..-..-etc-passwd");
-    EXPECT_EQ(attachmentName(rules, u"..\\..\\x", noDisplayName), u"..-..-x");
-    EXPECT_EQ(attachmentName(rules, u"", [] { return Text{u"../x"}; }), u"..-x.txt");
+    EXPECT_EQ(cleanedName(rules, u"../../etc/passwd"), u"..-..-etc-passwd");
+    EXPECT_EQ(cleanedName(rules, u"..\\..\\x"), u"..-..-x");
   }
 }
 
