@@ -3,8 +3,8 @@
 
 #include <type_traits>
 
+#include "core/module/procedure.h"
 #include "core/platform/engine.h"
-#include "core/platform/failure.h"
 
 namespace quillfile {
 
@@ -19,13 +19,12 @@ class Trace {
   // trace shows.   trace(u"SaveEmail", u"Body: {}", [&] { return item->body(); })
   template <class... Values>
   void operator()(TextView procedure, TextView pattern, const Values&... values) const {
-    try {
+    // A trace that cannot be written, for want of memory too, must not stop what it describes.
+    ignoringErrors([&] {
       if (log_.wanted())
         log_.write(module_, procedure,
                    sizeof...(values) == 0 ? Text{pattern} : quillfile::fill(pattern, valueOf(values)...), 0);
-    } catch (const Failure&) {
-      return;  // a trace that cannot be written must not stop what it describes
-    }
+    });
   }
 
  private:

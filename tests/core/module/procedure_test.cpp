@@ -60,6 +60,13 @@ TEST_F(ProcedureGuard, ATraceThatFailsStopsNothing) {
   expectTranscript(world.record.lines(), {u"trace Test: Leaving Test"});
 }
 
+// A body of a hundred megabytes, say, that nobody needs but the trace.
+TEST_F(ProcedureGuard, AValueThatDoesNotFitIntoMemoryStopsNothing) {
+  const Trace trace{world.log};
+  EXPECT_NO_THROW(trace(u"Test", u"Body: {}", []() -> Text { throw std::bad_alloc{}; }));
+  expectTranscript(world.record.lines(), {});
+}
+
 TEST_F(ProcedureGuard, ATraceWithoutValuesStandsAsItIs) {
   const Trace trace{world.log};
   trace(u"Test", u"100 {} percent");
