@@ -11,13 +11,14 @@ bool QuillfileRoutines::CheckForAttachments(const SaveRequest& request) {
         request;
     const auto& settings = ports_.settings;
     at(1);
+    auto& mail = held(item);
     if (settings.flag(u"SaveEmailsWanted")) SaveEmail(item, skipCriteria, savePath);
     at(2);
     if (!settings.flag(u"SaveAttachmentsWanted")) return false;
-    const auto type = item->typeName();
+    const auto type = mail.typeName();
     if (type != u"MailItem" && type != u"PostItem") return false;
     at(3);
-    ports_.trace(name, u"Attachment Count: {}", [&] { return request.item->attachments()->count(); });
+    ports_.trace(name, u"Attachment Count: {}", [&] { return mail.attachments()->count(); });
     ports_.trace(name, u"Save Path: {}", savePath);
     at(4);
     const bool sendRemove = isSent && settings.flag(u"SendRemoveAttachments");
@@ -33,12 +34,12 @@ bool QuillfileRoutines::CheckForAttachments(const SaveRequest& request) {
       if (!CheckSave(item, savePath, filters, context, false)) return false;
     }
     at(6);
-    const bool wasUnread = item->unRead();
+    const bool wasUnread = mail.unRead();
     const bool saved = SaveAttachments(item, context, savePath);
     at(7);
-    if (afterSave == AfterSave::mark_read) item->setUnRead(false);
-    if (afterSave == AfterSave::keep_unread && wasUnread) item->setUnRead(true);
-    if (afterSave == AfterSave::remove_item && saved) removeItem(*item);
+    if (afterSave == AfterSave::mark_read) mail.setUnRead(false);
+    if (afterSave == AfterSave::keep_unread && wasUnread) mail.setUnRead(true);
+    if (afterSave == AfterSave::remove_item && saved) removeItem(mail);
     return true;
   });
 }

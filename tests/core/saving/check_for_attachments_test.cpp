@@ -36,6 +36,16 @@ TEST_P(CheckForAttachments, OnlyMailAndPostItemsAreSavedFrom) {
   }
 }
 
+TEST_P(CheckForAttachments, AnItemThatIsNothingIsAnErrorAndNotACrash) {
+  for (const TextView emails : {u"0", u"1"}) {
+    world.settings.set(u"SaveEmailsWanted", emails);
+    for (const bool skipCriteria : {true, false})
+      EXPECT_FALSE(check({.item = nullptr, .skipCriteria = skipCriteria}));
+    expectTranscript(lines(), {u"error 0 Quillfile.CheckForAttachments: Error occurred at line 1.  Reason: "
+                               u"Object variable not set"});
+  }
+}
+
 TEST_P(CheckForAttachments, TheEmailIsSavedOfEveryItemBeforeTheAttachments) {
   world.settings.set(u"SaveEmailsWanted", u"1");
   EXPECT_FALSE(check(all(mail({.type = u"ReportItem"}))));
