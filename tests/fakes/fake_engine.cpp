@@ -103,6 +103,7 @@ void FakeServices::prepareForm(TextView form) {
 
 std::int32_t FakeUtilities::matchText(TextView text, TextView pattern) {
   record_.asked(u"EngineUtilities.matchText");
+  lastMatched = text;
   FakeLetters letters;
   const Text lowered = letters.lower(text), sought = letters.lower(pattern);
   if (sought.empty()) return 0;

@@ -85,6 +85,7 @@ class FakeUtilities : public EngineUtilities {
  public:
   FakeUtilities(Recorder& record, FakeFiles& files) : record_(record), files_(files) {}
 
+  Text lastMatched;  // the text that matchText() was given last
   // Ignores the case of ASCII letters; "*" and "?" are wildcards, and a pattern that has one must cover the
   // whole text; one without is found anywhere; an empty one nowhere.
   std::int32_t matchText(TextView text, TextView pattern) override;

@@ -33,6 +33,14 @@ TEST_P(ChangeDateTo, AllThreeTimesBecomeTheLocalTimeGiven) {
   EXPECT_EQ(world.files.openHandles(), 0u);
 }
 
+TEST_P(ChangeDateTo, APathBeyondTheClassic260UnitsIsOpenedWhole) {
+  file = path(u"C:\\Saved\\") + Text(300, u'n') + u".pdf";
+  world.files.add(file);
+  EXPECT_TRUE(change(world, file));
+  EXPECT_EQ(world.record.lines(u"FileTimes.openToChange").at(0),
+            fill(u"FileTimes.openToChange {}{}", world.paths.longPathPrefix, file));
+}
+
 TEST_P(ChangeDateTo, AFileThatIsMissingShowsAsAFailureToSetItsTimes) {
   EXPECT_FALSE(change(world, file));
   expectTranscript(world.record.lines(),

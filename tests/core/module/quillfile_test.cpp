@@ -30,6 +30,7 @@ TEST_F(CQuillfileTest, StartUpKeepsTheEngineAndHooksNothing) {
   expectTranscript(world.record.lines(), {u"prepare module collection Quillfile"});
   EXPECT_EQ(module.state.engine, world.host);
   EXPECT_EQ(module.state.outlookApp, world.application);
+  EXPECT_NE(module.state.moduleCollection, nullptr);
 }
 
 TEST(CQuillfileStart, StartUpWritesTheFirstRunSettingsOnce) {
@@ -143,13 +144,24 @@ TEST_F(CQuillfileTest, AMessageBeforeStartUpFailsAndDoesNotCrash) {
   EXPECT_THROW(module.api.CESendMessage(u"RefreshHotkey"), Failure);
 }
 
+// A reference that tells when the last holder lets go of it.
+template <class T>
+Ref<T> watched(const Ref<T>& object, Recorder& record, TextView name) {
+  return {object.get(), [object, &record, name](T*) { record.did(fill(u"{} released", name)); }};
+}
+
 TEST_F(CQuillfileTest, ShutdownReleasesInOrder) {
   module.open();
+  auto& state = module.state;
+  state.engine = watched(state.engine, world.record, u"engine");
+  state.outlookApp = watched(state.outlookApp, world.record, u"application");
+  state.moduleCollection = watched(state.moduleCollection, world.record, u"collection");
   EXPECT_EQ(module.api.CEShutdown(), 0);
   expectTranscript(
       world.record.lines(),
       {u"trace Shutdown: Quillfile is stopping", u"mail helper: clean up", u"tracking: release lists",
-       u"tracking: no explorer", u"tracking: clear explorer items", u"tracking: release all item slots"});
+       u"tracking: no explorer", u"tracking: clear explorer items", u"tracking: release all item slots",
+       u"collection released", u"application released", u"engine released"});
   EXPECT_EQ(module.state.engine, nullptr);
   EXPECT_EQ(module.state.outlookApp, nullptr);
   EXPECT_EQ(module.state.moduleCollection, nullptr);

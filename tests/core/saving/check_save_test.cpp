@@ -47,7 +47,9 @@ TEST_P(CheckSave, AMatchingSubjectQualifiesTheItemAndTheSenderIsNeverRead) {
 }
 
 TEST_P(CheckSave, TheSendersNameOrAddressQualifiesTheItem) {
-  EXPECT_TRUE(check(three(), {.SaveByFromEnabled = 1, .TextFrom = u"LOVELACE"}));
+  SaveFilters filters{.SaveByFromEnabled = 1, .TextFrom = u"LOVELACE"};
+  EXPECT_TRUE(check(three(), filters));
+  EXPECT_EQ(filters.TextFrom, u"lovelace");
   expectTranscript(decisions(), {u"emailFrom (.SenderName): ada lovelace", u"Leaving (Returning: True)"});
   EXPECT_TRUE(check(three(), {.SaveByFromEnabled = 1, .TextFrom = u"@example"}));
   expectTranscript(decisions(),
@@ -76,7 +78,9 @@ TEST_P(CheckSave, ASenderThatIsNothingEndsTheSenderFilter) {
 }
 
 TEST_P(CheckSave, OneMatchingNameIsSavedAloneAndTheSizeFilterStillRuns) {
-  EXPECT_FALSE(check(three(), {.SaveByNameEnabled = 1, .TextFileName = u"the TWO", .SaveBySizeEnabled = 1}));
+  SaveFilters filters{.SaveByNameEnabled = 1, .TextFileName = u"the TWO", .SaveBySizeEnabled = 1};
+  EXPECT_FALSE(check(three(), filters));
+  EXPECT_EQ(filters.TextFileName, u"the two");
   expectTranscript(
       decisions(),
       {u"emailFileName (.DisplayName): the three.pdf", u"emailFileName (.FileName): three.pdf",
@@ -137,6 +141,21 @@ TEST_P(CheckSave, ThePlaceholderIsAddedOnceEverythingThatMatchedIsGone) {
   ASSERT_EQ(item->attached.size(), 1u);
   EXPECT_EQ(item->attached.front()->displayName, u"Paperclip retained by Quillfile");
   EXPECT_EQ(lines().back(), u"trace CheckSave: Leaving (Returning: False)");
+}
+
+TEST_P(CheckSave, NotesForAnEmptyHtmlBodyAreNotWrittenAfterItAndNeverIntoAnotherItem) {
+  auto filtered = world.addItem({.label = u"A", .format = u"HTML"});
+  filtered->attach({.fileName = u"one.pdf"});
+  SaveFilters filters{.SaveByNameEnabled = 1, .TextFileName = u"one"};
+  EXPECT_FALSE(engine.CheckSave(filtered, path(u"/Saved/"), filters, {.addLink = true}, false));
+  EXPECT_NE(saving.state.pendingHtmlLinks, u"");
+  EXPECT_EQ(filtered->data.htmlBody, u"");
+
+  auto other = world.addItem({.label = u"B", .format = u"HTML"});
+  other->attach({.fileName = u"two.pdf"});
+  EXPECT_TRUE(engine.SaveAttachments(other, {.addLink = true}, path(u"/Saved/")));
+  EXPECT_EQ(other->data.htmlBody, fill(u"<Body><p>Attachment saved to <a href=\"{}\">{}</a></p></Body>",
+                                       link(u"/Saved/two.pdf"), link(u"/Saved/two.pdf")));
 }
 
 TEST_P(CheckSave, AnErrorLeavesTheResultAsItStood) {

@@ -14,6 +14,12 @@ TEST_P(Exclusion, BlanksAroundASeparatorBelongToThePatterns) {
   EXPECT_FALSE(engine.IsAMatch(u"b.jpg", u"a.gif; b.jpg"));
 }
 
+// Whether an exclusion ignores case rests with the match, as it does not for the filters.
+TEST_P(Exclusion, TheNameIsMatchedInItsOwnLetters) {
+  engine.IsAMatch(u"Logo.GIF", u"a.gif");
+  EXPECT_EQ(world.utilities.lastMatched, u"Logo.GIF");
+}
+
 // Counted by letting the n-th call fail: the list below has two patterns, the last one empty.
 TEST_P(Exclusion, AnEmptyLastPatternIsStillTried) {
   world.record.failAt(2);

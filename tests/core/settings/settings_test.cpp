@@ -26,6 +26,62 @@ TEST(Numbers, BlanksAndASignAreAllowedAndNothingElseIs) {
     EXPECT_THROW(toNumber(none), Failure) << toUtf8(none);
 }
 
+// Users' settings rest on every one of these: "key kind 'default' first run".
+TEST(SettingsTable, EveryKeyHasItsKindItsDefaultAndItsFirstRunValue) {
+  std::vector<Text> rows;
+  for (const auto& setting : settingsTable) {
+    constexpr TextView kinds[] = {u"flag", u"number", u"text"};
+    rows.push_back(fill(u"{}{} {} '{}' {}", setting.key, setting.numbered ? u"n" : u"",
+                        kinds[static_cast<std::size_t>(setting.kind)],
+                        setting.defaultUnder(PathRules::windows()), setting.firstRun.value_or(u"-")));
+  }
+  expectTranscript(rows, {u"SavePath text 'C:\\' -",
+                          u"AutomaticMode flag '0' -",
+                          u"PostProcess number '0' 1",
+                          u"AutomaticRename flag '1' 1",
+                          u"AutomaticRenameKeywords text '<attachment name>' -",
+                          u"RetainPaperclip flag '1' 1",
+                          u"OptionalRenameWanted flag '0' 0",
+                          u"ExclusionList text '' -",
+                          u"SendDeleteAttachments flag '0' 0",
+                          u"SendRemoveAttachments flag '0' 0",
+                          u"ReadWrite number '0' -",
+                          u"AddURL flag '0' 1",
+                          u"ErrorPrompt flag '0' 1",
+                          u"ImitateOutlookFolders flag '0' 1",
+                          u"RemoveAttachment flag '0' 1",
+                          u"EmailFrom text 'Not Found' ",
+                          u"EmailFromEnabled flag '0' 0",
+                          u"AttachmentName text 'Not Found' ",
+                          u"AttachmentNameEnabled flag '0' 0",
+                          u"SubjectLine text 'Not Found' ",
+                          u"SubjectLineEnabled flag '0' 0",
+                          u"AttachmentSize number '0' -",
+                          u"AttachmentSizeEnabled flag '0' -",
+                          u"SaveAllAttachments flag '0' 1",
+                          u"LinkLocation text 'Bottom' -",
+                          u"AutomaticReattachWanted flag '1' -",
+                          u"SaveAttachmentsWanted flag '1' -",
+                          u"SaveEmailsWanted flag '0' -",
+                          u"SaveEmailsAs1 number '0' -",
+                          u"SaveEmailsAs2 number '5' -",
+                          u"ExecuteWanted flag '0' -",
+                          u"ExecuteOn number '1' -",
+                          u"ExecuteCommandLine text '' -",
+                          u"EnableButton flag '1' -",
+                          u"HotkeyEnabled flag '0' -",
+                          u"HotkeyMods number '0' -",
+                          u"HotkeyValue number '114' -",
+                          u"OldMods number '0' -",
+                          u"OldValue number '114' -",
+                          u"ButtonClicked flag '0' -",
+                          u"SaveAsMRUPath text '' -",
+                          u"FolderCount number '1' 1",
+                          u"FolderNamen text '' -",
+                          u"FolderEntryIdn text '1' -",
+                          u"FolderStoreIdn text '' -"});
+}
+
 TEST(SettingsTable, EveryKeyStandsOnceWithAMeaningAndAReadableDefault) {
   std::set<Text> keys;
   for (const auto& setting : settingsTable) {
