@@ -2,8 +2,7 @@
 
 #include <filesystem>
 
-#include "core/platform/failure.h"
-#include "core/settings/number.h"
+#include "hosts/mailbox/engine/bad_settings.h"
 #include "hosts/mailbox/engine/known_folders.h"
 
 namespace quillfile::app {
@@ -14,15 +13,6 @@ bool isNumberedKey(TextView key, TextView stem) {
   const TextView number = key.substr(std::min(key.size(), stem.size()));
   return startsWith(key, stem) && !number.empty() && number.front() != u'0' && number.size() < 10 &&
          number.find_first_not_of(u"0123456789") == TextView::npos;
-}
-
-bool isNumber(const std::string& value) {
-  try {
-    toNumber(fromUtf8(value));
-    return true;
-  } catch (const Failure&) {
-    return false;
-  }
 }
 
 std::string folderValue(const std::string& value) {
@@ -57,10 +47,8 @@ const Setting& settingNamed(const std::string& key) {
 }
 
 CheckedValue checkedValue(const Setting& setting, const std::string& key, const std::string& value) {
-  if (setting.kind != SettingKind::text && !isNumber(value)) {
-    const char* wanted = setting.kind == SettingKind::flag ? "1 (on) or 0 (off)" : "a whole number";
-    throw WrongCommandLine{key + " takes " + wanted + ", not \"" + value + "\"."};
-  }
+  if (const auto wanted = mailbox::wantedInsteadOf(setting, fromUtf8(value)))
+    throw WrongCommandLine{key + " takes " + toUtf8(*wanted) + ", not \"" + value + "\"."};
   if (setting.key == u"SavePath" || setting.key == u"SaveAsMRUPath") {
     if (value.empty()) throw WrongCommandLine{key + " takes a folder."};
     return {.value = folderValue(value), .warning = ""};

@@ -4,6 +4,8 @@
 
 namespace quillfile {
 
+Text sizeLimitText(TextView stored) { return fill(u"0{}", stored); }
+
 SaveFilters readSaveFilters(const Settings& settings, LetterCase& letters) {
   SaveFilters filters;
   filters.SaveBySubjectEnabled = settings.number(u"SubjectLineEnabled");
@@ -13,7 +15,7 @@ SaveFilters readSaveFilters(const Settings& settings, LetterCase& letters) {
   filters.TextSubject = letters.lower(settings.text(u"SubjectLine"));
   filters.TextFileName = letters.lower(settings.text(u"AttachmentName"));
   filters.TextFrom = letters.lower(settings.text(u"EmailFrom"));
-  filters.TextFileSize = toNumber(fill(u"0{}", settings.stored(u"AttachmentSize").value_or(Text{})));
+  filters.TextFileSize = toNumber(sizeLimitText(settings.stored(u"AttachmentSize").value_or(Text{})));
   return filters;
 }
 

@@ -9,6 +9,12 @@
 
 namespace quillfile {
 
+// The largest size limit, in kilobytes: in bytes, a larger one leaves 32 bits.
+inline constexpr std::int32_t largestSizeLimit = 2'097'151;
+
+// The number that the setting AttachmentSize is read as; an absent one, or an empty one, is 0.
+Text sizeLimitText(TextView stored);
+
 struct SaveFilters {
   std::int32_t SaveBySubjectEnabled = 0;
   Text TextSubject = {};

@@ -49,8 +49,14 @@ class Filters(Case):
     def test_a_size_beyond_32_bits_saves_nothing_and_does_not_wrap(self):
         self.home.set(SaveAllAttachments=0, AttachmentSizeEnabled=1, AttachmentSize=2_097_152)
         self.home.add(mail(files=[("a.pdf", CONTENT)]))
-        self.home.run("save")
+        done = self.home.run("save")
+        self.assertEqual(done.status, 1)
+        self.assertIn('is "2097152" and takes a whole number from 0 to 2097151', done.err)
         self.assertFalse(self.home.saved.exists() and self.home.saved_files())
+        self.assertEqual(self.home.run("settings", "set", "AttachmentSize", "2097152").status, 2)
+        self.assertDone(self.home.run("settings", "set", "AttachmentSize", "2097151"))
+        self.assertDone(self.home.run("save"))
+        self.assertEqual(list(self.home.saved_files()), ["a.pdf"])
 
 
 class Settings(Case):
@@ -119,17 +125,25 @@ class Settings(Case):
         before = mail(files=[("a.txt", CONTENT)]).as_bytes()
         for wrong in ("on", "1.5", "99999999999", ""):
             with self.subTest(wrong):
-                self.save(RemoveAttachment=wrong, status=self.any_status)
+                self.save(RemoveAttachment=wrong, status=1)
                 self.assertEqual(self.home.message(), before)
 
-    class AnyStatus:
-        def __eq__(self, other):
-            return other in (0, 1)
+    def test_a_value_that_is_no_number_is_told_by_its_key(self):
+        self.home.set(AddURL="yes", AttachmentSize="-1", LinkLocation="anywhere")
+        done = self.home.run("--json", "save")
+        sentences = [f'The setting {key} in {self.home.settings_file} is "{value}" and takes {wanted}; '
+                     f"`quillfile settings unset {key}` takes it out"
+                     for key, value, wanted in (("AddURL", "yes", "1 (on) or 0 (off)"),
+                                                ("AttachmentSize", "-1", "a whole number from 0 to 2097151"))]
+        self.assertEqual(done.status, 1)
+        self.assertEqual(done.err, "".join(f"quillfile: {sentence}\n" for sentence in sentences))
+        self.assertEqual([e["message"] for e in done.json["errors"]], sentences)
 
-        def __repr__(self):
-            return "0 or 1"
-
-    any_status = AnyStatus()
+    def test_an_empty_save_path_is_the_current_folder_and_the_link_leads_there(self):
+        self.save(SavePath="", RemoveAttachment=1, AddURL=1)
+        self.assertEqual((self.home.root / "a.txt").read_bytes(), CONTENT)
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertIn(b"filename", self.home.message())
 
 
 class Programs(Case):

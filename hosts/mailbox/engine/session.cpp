@@ -7,9 +7,8 @@
 #include "core/module/module.h"
 #include "core/module/procedure.h"
 #include "core/platform/platform.h"
-#include "core/settings/number.h"
 #include "core/settings/settings.h"
-#include "core/settings/settings_table.h"
+#include "hosts/mailbox/engine/bad_settings.h"
 #include "hosts/mailbox/engine/handled_notes.h"
 #include "hosts/mailbox/engine/host_user.h"
 #include "hosts/mailbox/engine/item_order.h"
@@ -37,18 +36,6 @@ std::string installationFolder() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
   if (std::filesystem::exists(program / "Paperclip.ico", error)) return program.string();
   return (program.parent_path() / "share" / "quillfile").string();
-}
-
-// The first setting whose value is not of its kind, in a sentence; empty when each is.
-Text unusableSetting(SettingsFile& settings) {
-  for (const Setting& setting : settingsTable) {
-    const auto value = settings.read(engineName, moduleName, setting.key);
-    if (setting.kind == SettingKind::text || !value || ignoringErrors([&] { toNumber(*value); })) continue;
-    return fill(
-        u"The setting {} in {} is \"{}\", which is no number; `quillfile settings unset {}` takes it out",
-        setting.key, fromUtf8(settings.path()), *value, setting.key);
-  }
-  return {};
 }
 
 }  // namespace
@@ -166,6 +153,7 @@ void Session::start() {
   parts_->module.api().CEStartup(parts_->engineRef());
   parts_->client->explorer()->showFolder(parts_->client->folder(parts_->store->need(FolderRole::inbox)));
   openExplorer();
+  for (const Text& sentence : badSettings(parts_->settings)) reportError(sentence, u"Quillfile.Settings");
 }
 
 // The module says of a setting that it cannot use only that it cannot.
@@ -174,8 +162,8 @@ void Session::openExplorer() {
     parts_->module.api().CEExplorerOpen(parts_->client->explorer());
   } catch (const Failure& failure) {
     if (failure.description != Failure::typeMismatch().description) throw;
-    if (auto reason = unusableSetting(parts_->settings); !reason.empty())
-      throw UnusableSetting{{failure.number, std::move(reason)}};
+    if (const auto bad = badSettings(parts_->settings); !bad.empty())
+      throw UnusableSetting{{failure.number, bad.front()}};
     throw;
   }
 }
