@@ -91,7 +91,7 @@ std::string expandPath(const std::string& path) {
     result += length > 0 ? value : std::string(1, rest.front());
     rest.remove_prefix(length > 0 ? length : 1);
   }
-  if (result.empty() || result.front() == '/') return result;
+  if (result.starts_with('/')) return result;
   std::error_code error;
   return (std::filesystem::current_path(error) / result).string();
 }

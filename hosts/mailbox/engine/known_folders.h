@@ -14,7 +14,7 @@ std::string dataFolder();       // $XDG_DATA_HOME, ~/.local/share
 std::string documentsFolder();  // $XDG_DOCUMENTS_DIR, or as user-dirs.dirs says, else ~/Documents
 
 // `path` with a leading "~" and each "$NAME" or "${NAME}" that the environment knows replaced, made absolute.
-// An empty path stays empty.
+// An empty path is the current folder, with the separator at its end.
 std::string expandPath(const std::string& path);
 
 }  // namespace quillfile::mailbox

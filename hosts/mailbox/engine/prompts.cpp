@@ -44,6 +44,15 @@ std::string numbered(const std::string& path, const IsTaken& isTaken) {
   }
 }
 
+// As Save-As forms do: a name that is typed without a point gets the extension.
+std::string withExtension(const std::string& path, const std::string& extension) {
+  const std::string name = path.substr(path.rfind('/') + 1);
+  const bool hasOne = name.empty() || name.find('.') != std::string::npos;
+  // What follows a point in a folder's name is no extension.
+  return hasOne || extension.empty() || extension.find('/') != std::string::npos ? path
+                                                                                 : path + "." + extension;
+}
+
 }  // namespace
 
 std::optional<PresetAnswer> presetAnswer(std::string_view word) {
@@ -93,10 +102,10 @@ std::optional<Text> Prompts::show(const SaveAsRequest& request) {
     if (!preset_ || !isYes(*preset_)) return std::nullopt;
     return fromUtf8(isTaken_(proposed) ? numbered(proposed, isTaken_) : proposed);
   }
-  return askForPath(proposed);
+  return askForPath(proposed, toUtf8(request.defaultExtension));
 }
 
-std::optional<Text> Prompts::askForPath(const std::string& proposed) {
+std::optional<Text> Prompts::askForPath(const std::string& proposed, const std::string& extension) {
   for (;;) {
     terminal_.show("Save as (return: " + printable(fromUtf8(proposed)) + "; - : cancel): ");
     const auto line = terminal_.readLine();
@@ -104,7 +113,8 @@ std::optional<Text> Prompts::askForPath(const std::string& proposed) {
     // A bare name stays in the proposed folder, as in any Save-As form.
     const bool bare = line->find('/') == std::string::npos && !line->starts_with('~');
     const auto folder = std::filesystem::path(proposed).parent_path();
-    const std::string path = line->empty() ? proposed : bare ? (folder / *line).string() : expandPath(*line);
+    const std::string typed = bare ? (folder / *line).string() : expandPath(*line);
+    const std::string path = line->empty() ? proposed : withExtension(typed, extension);
     if (!isTaken_(path)) return fromUtf8(path);
     terminal_.show(printable(fromUtf8(path)) + " already exists. Replace it? [y]es  [n]o: ");
     if (terminal_.readKey("yn") == 'y') return fromUtf8(path);

@@ -33,7 +33,7 @@ class Prompts : public Dialogs {
   std::optional<Text> show(const SaveAsRequest& request) override;
 
  private:
-  std::optional<Text> askForPath(const std::string& proposed);
+  std::optional<Text> askForPath(const std::string& proposed, const std::string& extension);
 
   Terminal& terminal_;
   std::optional<PresetAnswer> preset_;

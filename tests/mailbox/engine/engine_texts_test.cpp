@@ -71,7 +71,7 @@ TEST(ExpandPath, KnowsTheHomeFolderAndTheEnvironment) {
   EXPECT_EQ(expandPath("~other/a"), (std::filesystem::current_path() / "~other/a").string());
   EXPECT_EQ(expandPath("/srv/$QF_TEST/${QF_TEST}!"), "/srv/x y/x y!");
   EXPECT_EQ(expandPath("/srv/$NO_SUCH_NAME/$/${"), "/srv/$NO_SUCH_NAME/$/${");
-  EXPECT_EQ(expandPath(""), "");
+  EXPECT_EQ(expandPath(""), (std::filesystem::current_path() / "").string());  // a link needs a whole path
 }
 
 TEST(CleanFileName, RemovesWhatNoSystemTakes) {

@@ -123,6 +123,19 @@ TEST(Prompts, TheSaveAsFormTakesTheProposalANameOrAPath) {
   }
 }
 
+TEST(Prompts, ANameThatIsTypedWithoutAPointGetsTheExtension) {
+  auto request = saveAs();
+  for (const auto& [extension, line, path] :
+       {std::tuple{u"pdf", "b", u"/home/u/b.pdf"}, std::tuple{u"pdf", "/srv/c.d/b", u"/srv/c.d/b.pdf"},
+        std::tuple{u"pdf", "b.txt", u"/home/u/b.txt"}, std::tuple{u"", "b", u"/home/u/b"},
+        std::tuple{u"0/readme", "b", u"/home/u/b"}}) {
+    Asking asking;
+    asking.terminal.lines = {line};
+    request.defaultExtension = extension;
+    EXPECT_EQ(asking.prompts().show(request), path) << line;
+  }
+}
+
 TEST(Prompts, TheSaveAsFormAsksBeforeOverwriting) {
   Asking asking;
   asking.taken = {"/home/u/a.pdf"};
