@@ -47,7 +47,8 @@ Text renameWithKeywords(const SavingPorts& ports, const Ref<Item>& item, TextVie
   if (room > 0) result.replace(u"<subject>", cutLeft(subject, room));
   const auto [base, extension] = partsOf(name);
   result.replace(u"<attachment name>", base);
-  return ports.utilities.cleanFileName(replaceAll(result.text() + Text{extension}, u"#", u"-"));
+  auto renamed = ports.utilities.cleanFileName(replaceAll(result.text() + Text{extension}, u"#", u"-"));
+  return renamed.empty() ? ports.utilities.cleanFileName(name) : renamed;
 }
 
 }  // namespace quillfile

@@ -109,6 +109,14 @@ TEST_P(AttachmentPath, ATakenNameIsNumbered) {
   EXPECT_EQ(savedName(mail({}, u"README")), u"README-1");
 }
 
+TEST_P(AttachmentPath, ATemplateThatLeavesNothingLeavesTheAttachmentsOwnName) {
+  for (const TextView nothing : {u"<subject>", u"", u"*?"}) {
+    keywords(nothing);
+    EXPECT_EQ(savedName(mail({}, u"README")), u"README") << toUtf8(nothing);
+    world.files.erase(path(u"/Saved/README"));
+  }
+}
+
 // The points are those of an address and a subject.
 TEST_P(AttachmentPath, ANumberStandsAtTheEndOfANameWithoutAnExtension) {
   keywords(u"<sender address> <subject>");
