@@ -55,6 +55,12 @@ BatchChange::BatchChange(MessageChange change, std::shared_ptr<MaildirHandles> s
   const bool named = change_.content || change_.moveTo;
   report_.newUnique = named ? ownUniqueName(newFolder->path()) : change_.unique;
   if (!change_.erase) report_.newFolder = newFolder;
+  rest();
+}
+
+// The change waits for its group: until its next step the old message need not be in memory.
+void BatchChange::rest() const {
+  if (change_.source) change_.source->forget(change_.source->bytes());
 }
 
 BatchChange::~BatchChange() {
@@ -104,6 +110,7 @@ std::vector<std::shared_ptr<SavedFile>> BatchChange::compareFiles() {
   }
   if (!wrong.empty())
     doubt(failure("The saved file " + wrong[0]->asked + " does not hold what the message holds").description);
+  rest();
   return wrong;
 }
 
@@ -132,8 +139,8 @@ void BatchChange::writeMessage() {
     ::flock(message_.get(), LOCK_EX | LOCK_NB);  // tells a start of another Quillfile that this one lives
     writeContent(message_.get(), change_.content, path);
     copyStatus(*change_.source, message_.get(), path);
-    change_.source->forget(change_.source->bytes());
   });
+  rest();
 }
 
 void BatchChange::linkMessage() {
@@ -152,6 +159,7 @@ void BatchChange::linkMessage() {
     old_ = *old;
     linkAs(changedFlags(parseMaildirName(old->fileName).flags, change_.setFlags, change_.clearFlags));
   });
+  rest();
 }
 
 void BatchChange::linkAs(std::string_view flags) {

@@ -56,6 +56,7 @@ class BatchChange {
   void doubt(const Text& reason);
   void end(ChangeOutcome outcome);
   void requireFiles() const;
+  void rest() const;
   void changeWithoutRewriting();
   void linkAs(std::string_view flags);
   void follow(const Location& old);
