@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "hosts/mailbox/formats/rtf/rtf_document.h"
 #include "hosts/mailbox/mime/header.h"
 
 namespace quillfile::mailbox {
@@ -136,55 +137,7 @@ Text htmlToText(TextView html) {
   return text;
 }
 
-Text rtfToText(TextView rtf) {
-  Text text;
-  std::vector<bool> hiddenGroups{false};
-  for (std::size_t at = 0; at < rtf.size();) {
-    const char16_t unit = rtf[at++];
-    if (unit == u'{') {
-      hiddenGroups.push_back(hiddenGroups.back() || rtf.substr(at, 2) == u"\\*");
-    } else if (unit == u'}') {
-      if (hiddenGroups.size() > 1) hiddenGroups.pop_back();
-    } else if (unit == u'\\' && at < rtf.size()) {
-      if (!isLetter(rtf[at])) {
-        const char16_t symbol = rtf[at++];
-        if (symbol == u'\'') {
-          if (const auto value = numbered(Text{u"#x"} += rtf.substr(at, 2)); value && !hiddenGroups.back())
-            append(text, *value);
-          at += 2;
-        } else if (!hiddenGroups.back() && (symbol == u'\\' || symbol == u'{' || symbol == u'}')) {
-          text += symbol;
-        } else if (!hiddenGroups.back() && symbol == u'~') {
-          text += u' ';
-        }
-        continue;
-      }
-      const auto wordStart = at;
-      while (at < rtf.size() && isLetter(rtf[at])) ++at;
-      const auto word = rtf.substr(wordStart, at - wordStart);
-      const auto numberStart = at;
-      if (at < rtf.size() && rtf[at] == u'-') ++at;
-      std::int64_t number = 0;
-      while (at < rtf.size() && isDigit(rtf[at]))
-        number = std::min<std::int64_t>(number * 10 + (rtf[at++] - u'0'), 1 << 20);
-      if (rtf.substr(numberStart, 1) == u"-") number = -number;
-      if (at < rtf.size() && rtf[at] == u' ') ++at;
-      if (word == u"fonttbl" || word == u"colortbl" || word == u"stylesheet" || word == u"info" ||
-          word == u"pict")
-        hiddenGroups.back() = true;
-      if (hiddenGroups.back()) continue;
-      if (word == u"par" || word == u"line") text += lineEnd;
-      if (word == u"tab") text += u'\t';
-      if (word == u"u") {
-        text += static_cast<char16_t>(number);
-        if (at < rtf.size() && rtf[at] == u'?') ++at;  // what readers without Unicode show in its place
-      }
-    } else if (unit != u'\r' && unit != u'\n' && unit != u'\0' && !hiddenGroups.back()) {
-      text += unit;
-    }
-  }
-  return text;
-}
+Text rtfToText(TextView rtf) { return formats::readRtf(rtf).text; }
 
 Text textToHtml(TextView text) {
   Text html;
