@@ -58,6 +58,56 @@ const Form forms[] = {
     {"one & two; 100% 'sure'", "text/html", "utf-8", "7bit", "<p>x</p>"},
 };
 
+// Modelled on what mail programs write.
+const std::string richText =
+    "{\\rtf1\\ansi\\ansicpg1252\\deff0\\deftab720{\\fonttbl{\\f0\\fswiss MS Sans "
+    "Serif;}}\r\n{\\colortbl\\red0"
+    "\\green0\\blue0;}\r\n\\deflang1033\\pard\\plain\\f0\\fs20 Hello \\b you\\b0 caf\\'e9\\par\r\n\\objattph "
+    "\\'20\\par"
+    "\r\n}";
+
+const Form richForms[] = {
+    {"rich", "text/rtf", "", "base64", richText + "\r\n" + std::string(1, '\0')},
+    {"rich as it is", "text/rtf", "us-ascii", "7bit", richText + "\n"},
+    {"rich quoted", "application/rtf", "", "quoted-printable", richText},
+    {"rich caf\xC3\xA9 {1} \xE2\x82\xAC", "text/rtf", "", "base64", richText},
+    {"rich with raw bytes", "text/rtf", "windows-1252", "8bit", "{\\rtf1\\ansi caf\xE9 \\par two}\n"},
+    {"rich, raw and \xC3\xA9", "text/rtf", "", "base64", "{\\rtf1\\ansi caf\xE9 {\\b two}}"},
+    {"rich in a group", "text/rtf", "", "base64",
+     "{\\rtf1\\ansi{\\uc2 **\\par \r\n}}\r\n" + std::string(1, '\0')},
+    {"rich from a page", "text/rtf", "", "base64",
+     "{\\rtf1\\ansi\\fromhtml1 {\\*\\htmltag64 <p>}hello{\\*\\htmltag27 </html>}}"},
+    {"rich and empty", "text/rtf", "", "base64", "{\\rtf1}"},
+};
+
+class OutlookRtf : public OutlookLinks, public testing::WithParamInterface<int> {};
+
+TEST_P(OutlookRtf, NotesAreFoundAndErasedToTheVeryText) {
+  const auto& form = richForms[GetParam()];
+  SCOPED_TRACE(form.name);
+  const auto message = messageOf(form);
+  const auto item = deliver(message);
+  ASSERT_EQ(item->bodyFormat(), u"RTF");
+  const auto rtf = item->body(BodyKind::rtf), plain = item->body(BodyKind::plain);
+  for (int i = 3; i >= 1; --i) ASSERT_EQ(strip(item, i), Removal::removed);
+  finish();
+
+  ASSERT_EQ(told.failed, std::vector<std::string>{});
+  const auto links = linksInPlainText(item->body(BodyKind::plain));
+  ASSERT_EQ(links.size(), 3u) << toUtf8(item->body(BodyKind::rtf));
+  for (const auto& link : links) EXPECT_TRUE(std::filesystem::exists(toUtf8(link).substr(7))) << toUtf8(link);
+  EXPECT_TRUE(startsWith(item->body(BodyKind::plain), plain)) << toUtf8(item->body(BodyKind::plain));
+
+  EXPECT_TRUE(restore(item));
+  finish();
+  ASSERT_EQ(told.failed, std::vector<std::string>{});
+  ASSERT_EQ(item->attachments()->count(), 3) << bytesOf(item);
+  EXPECT_EQ(toUtf8(item->body(BodyKind::rtf)), toUtf8(rtf));
+  EXPECT_EQ(toUtf8(item->body(BodyKind::plain)), toUtf8(plain));
+}
+
+INSTANTIATE_TEST_SUITE_P(AllForms, OutlookRtf, testing::Range(0, static_cast<int>(std::size(richForms))));
+
 class OutlookBodies : public OutlookLinks, public testing::WithParamInterface<std::tuple<int, bool>> {};
 
 TEST_P(OutlookBodies, NotesAreFoundAndErasedToTheVeryText) {
