@@ -1,7 +1,8 @@
 // Runs of base64 digits: a table for every processor, and vector code where there is some. The vector code
-// moves the five ranges of digits to their values, 16 or 32 bytes at once, and stops at the first block that
-// has any other byte.
+// moves the five ranges of digits to their values, 16 or 32 bytes at once, and stops in the first block that
+// has any other byte: what that block gives behind its last whole group is scribble, to be written over.
 #include <array>
+#include <bit>
 #include <cstdint>
 
 #include "hosts/mailbox/mime/decoding.h"
@@ -33,6 +34,8 @@ struct DigitRange {
 constexpr DigitRange ranges[] = {
     {'A', 'Z', -65}, {'a', 'z', -71}, {'0', '9', 4}, {'+', '+', 19}, {'/', '/', 16}};
 
+std::size_t wholeGroups(int digits) { return static_cast<std::size_t>(digits) / 4 * 4; }
+
 __attribute__((target("ssse3"))) std::size_t ssse3DigitRun(const char* in, std::size_t size, char* out) {
   const auto gather = _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
   std::size_t done = 0;
@@ -47,11 +50,12 @@ __attribute__((target("ssse3"))) std::size_t ssse3DigitRun(const char* in, std::
       valid = _mm_or_si128(valid, inside);
       offsets = _mm_or_si128(offsets, _mm_and_si128(inside, _mm_set1_epi8(range.offset)));
     }
-    if (_mm_movemask_epi8(valid) != 0xFFFF) break;
     const auto sixBits = _mm_add_epi8(bytes, offsets);
     const auto twelveBits = _mm_maddubs_epi16(sixBits, _mm_set1_epi16(0x0140));      // a * 64 + b
     const auto threeBytes = _mm_madd_epi16(twelveBits, _mm_set1_epi32(0x00011000));  // ab * 4096 + cd
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(threeBytes, gather));
+    const auto digits = std::countr_one(static_cast<std::uint32_t>(_mm_movemask_epi8(valid)));
+    if (digits < 16) return done + wholeGroups(digits);
   }
   return done + plainDigitRun(in + done, size - done, out);
 }
@@ -71,13 +75,14 @@ __attribute__((target("avx2"))) std::size_t avx2DigitRun(const char* in, std::si
       valid = _mm256_or_si256(valid, inside);
       offsets = _mm256_or_si256(offsets, _mm256_and_si256(inside, _mm256_set1_epi8(range.offset)));
     }
-    if (_mm256_movemask_epi8(valid) != -1) break;
     const auto sixBits = _mm256_add_epi8(bytes, offsets);
     const auto twelveBits = _mm256_maddubs_epi16(sixBits, _mm256_set1_epi16(0x0140));
     const auto threeBytes = _mm256_madd_epi16(twelveBits, _mm256_set1_epi32(0x00011000));
     const auto packed = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(threeBytes, gather),
                                                     _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), packed);
+    const auto digits = std::countr_one(static_cast<std::uint32_t>(_mm256_movemask_epi8(valid)));
+    if (digits < 32) return done + wholeGroups(digits);
   }
   return done + plainDigitRun(in + done, size - done, out);
 }
