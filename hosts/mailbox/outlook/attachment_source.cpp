@@ -9,7 +9,6 @@
 
 #include "hosts/mailbox/mime/clean_name.h"
 #include "hosts/mailbox/mime/decode.h"
-#include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/media_type.h"
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/services/failure.h"
@@ -163,9 +162,7 @@ AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message) {
   AttachmentSources sources;
   for (const auto part : message->layout().attachments) {
     const auto number = static_cast<std::int32_t>(sources.size()) + 1;
-    auto inside = containedIn(message, part, number);
-    if (inside.empty()) inside.push_back(partSource(message, part, number));
-    sources.insert(sources.end(), inside.begin(), inside.end());
+    sources.push_back(partSource(message, part, number));
   }
   return sources;
 }

@@ -1,5 +1,5 @@
-// AttachmentSource: where an attachment's name, kind and bytes come from: a part of a message, a file on
-// disk, or something inside a container that is a part.
+// AttachmentSource: where an attachment's name, kind and bytes come from: a part of a message, or a file
+// on disk.
 #pragma once
 
 #include <memory>
@@ -44,7 +44,7 @@ Text numberedName(std::int32_t number);
 // batch.
 std::shared_ptr<const AttachmentSource> fileSource(Text path, std::string bytesAt, Text displayName);
 
-// All attachments of a message, containers opened.
+// All attachments of a message.
 AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message);
 
 }  // namespace quillfile::mailbox

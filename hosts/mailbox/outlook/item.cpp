@@ -4,6 +4,7 @@
 
 #include "hosts/mailbox/outlook/attachments.h"
 #include "hosts/mailbox/outlook/client.h"
+#include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/item_type.h"
 #include "hosts/mailbox/outlook/received_time.h"
 #include "hosts/mailbox/outlook/response.h"
@@ -33,7 +34,7 @@ std::shared_ptr<const Message> MailboxItem::message() {
   auto file = folder_->open(unique_);
   if (!file && !uniqueBefore_.empty()) file = folder_->open(unique_ = uniqueBefore_);
   if (!file) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
-  message_ = std::make_shared<const Message>(std::move(file));
+  message_ = withContainersOpened(std::make_shared<const Message>(std::move(file)));
   removedBefore_ = removedParts(message_->header());
   client()->underWay(shared_from_this());
   return message_;
@@ -94,7 +95,7 @@ Ref<Attachments> MailboxItem::attachments() {
 
 Text MailboxItem::bodyFormat() { return Text{bodies().format()}; }
 
-std::int64_t MailboxItem::size() { return static_cast<std::int64_t>(message()->bytes().size()); }
+std::int64_t MailboxItem::size() { return static_cast<std::int64_t>(message()->stored().bytes().size()); }
 
 Text MailboxItem::body(BodyKind kind) { return bodies().text(kind); }
 
@@ -167,7 +168,6 @@ Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* fi
   if (file == nullptr && !ownIcon) return u"it has not been saved";
   if (file != nullptr && file->state == SavedFile::State::abandoned)
     return u"the file it was saved to is gone";
-  if (!source.part()) return u"it lies inside another attachment, which is kept whole";
   if (auto reason = message()->whyNothingMayGo(); !reason.empty()) return reason;
   if (const auto& open = message()->file(); open && !open->lock())
     return u"another program is working on the message";

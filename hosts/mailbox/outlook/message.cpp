@@ -120,6 +120,13 @@ Message::Message(std::shared_ptr<const Message> outer, mime::Range range)
       tree_(mime::scan(range.of(outer_->bytes()))),
       layout_(layoutOf(tree_)) {}
 
+Message::Message(std::shared_ptr<const Message> stored, std::string bytes, Text reason)
+    : own_(std::move(bytes)), stored_(std::move(stored)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {
+  whyNothingMayGo_ = stored_->whyNothingMayGo();
+  if (whyNothingMayGo_->empty()) whyNothingMayGo_ = std::move(reason);
+  if (whyNothingMayGo_->empty()) whyNothingMayGo_ = reasonToKeep(tree_);
+}
+
 mime::Behind Message::behind(mime::Range range) const {
   if (outer_) return outer_->behind({offset_ + range.begin, offset_ + range.end});
   if (!file_) return {};

@@ -33,6 +33,9 @@ class Message {
   explicit Message(std::string bytes);  // of a message that is in no folder yet
   // The message that stands at `range` of another, which it keeps alive.
   Message(std::shared_ptr<const Message> outer, mime::Range range);
+  // A message with its containers opened: the bytes that `stored`, which it keeps alive, would have without
+  // them. `reason`: why the one must not take the place of the other, a sentence; empty when it may.
+  Message(std::shared_ptr<const Message> stored, std::string bytes, Text reason);
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
@@ -40,7 +43,10 @@ class Message {
   const mime::PartTree& tree() const { return tree_; }
   const Layout& layout() const { return layout_; }
   mime::Header header() const { return tree_.header(0); }
-  const std::shared_ptr<MessageFile>& file() const { return file_; }  // null for own and for outer bytes
+  // The message as it is stored: another one where containers were opened, else this.
+  const Message& stored() const { return stored_ ? *stored_ : *this; }
+  // Of the message as it is stored; null for own and for outer bytes.
+  const std::shared_ptr<MessageFile>& file() const { return stored().file_; }
 
   // Gives mapped pages back as `range` is read front to back; see mime::Behind.
   mime::Behind behind(mime::Range range) const;
@@ -50,7 +56,7 @@ class Message {
  private:
   std::shared_ptr<MessageFile> file_;
   std::string own_;
-  std::shared_ptr<const Message> outer_;
+  std::shared_ptr<const Message> outer_, stored_;
   std::size_t offset_ = 0;  // of this message in the outer one
   mime::PartTree tree_;
   Layout layout_;

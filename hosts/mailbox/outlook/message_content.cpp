@@ -6,6 +6,7 @@
 #include "hosts/mailbox/mime/date.h"
 #include "hosts/mailbox/outlook/attachment_source.h"
 #include "hosts/mailbox/outlook/body_part.h"
+#include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/item_type.h"
 #include "hosts/mailbox/outlook/plain_text.h"
 #include "hosts/mailbox/outlook/received_time.h"
@@ -90,7 +91,7 @@ void addHeader(const Message& message, MessageContent& to) {
   to.messageId = header.text("Message-ID");
   to.inReplyTo = header.text("In-Reply-To");
   to.references = header.text("References");
-  to.transportHeaders = transportHeaders(header);
+  to.transportHeaders = transportHeaders(message.stored().header());
   to.importance = importanceOf(header);
 }
 
@@ -114,7 +115,7 @@ std::shared_ptr<const Message> embeddedMessage(const std::shared_ptr<const Messa
                                                mime::PartIndex part) {
   const auto& at = message->tree()[part];
   if (at.kind != mime::PartKind::message || at.encoding != mime::Encoding::identity) return nullptr;
-  return std::make_shared<const Message>(message, at.body);
+  return withContainersOpened(std::make_shared<const Message>(message, at.body));
 }
 
 MessageContent contentOf(const std::shared_ptr<const Message>& message, int depth);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/part_insertion.h"
 #include "hosts/mailbox/outlook/second_reading.h"
 #include "hosts/mailbox/services/failure.h"
@@ -20,6 +21,7 @@ class Rewriting {
         edit_(tree_) {}
 
   Rewrite run(ItemBodies& bodies) {
+    requireContainersRead();
     for (const auto& taken : changes_.taken) take(taken);
     addAll();
     bodies.apply(edit_, splices_);
@@ -36,9 +38,18 @@ class Rewriting {
   }
 
  private:
+  // A message with its containers opened takes the place of the stored one only when nothing is lost by that.
+  void requireContainersRead() const {
+    if (&message_->stored() == message_.get()) return;
+    if (const auto& reason = message_->whyNothingMayGo(); !reason.empty())
+      throw failure("Could not change the message: " + toUtf8(reason));
+    if (!opensTheSameAgain(*message_))
+      throw failure("Could not change the message: what is inside it does not read the same a second time");
+  }
+
   void take(const TakenAttachment& taken) {
     const auto part = taken.source->part();
-    if (!part) throw failure("Could not take an attachment out of its container");
+    if (!part) throw failure("Could not take out what is no part of the message");
     edit_.remove(*part);
     if (!taken.file) return;
     result_.removed.push_back({taken.file, secondReading(message_, *part)});

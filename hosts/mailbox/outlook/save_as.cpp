@@ -116,8 +116,9 @@ Content page(MailboxItem& item) {
 }
 
 Content messageFile(MailboxItem& item) {
-  return [message = item.message()](const Sink& sink) {
+  return [opened = item.message()](const Sink& sink) {
     constexpr std::size_t step = std::size_t{256} << 10;
+    const auto* const message = &opened->stored();
     const auto behind = message->behind({0, message->bytes().size()});
     for (std::size_t at = 0; at < message->bytes().size(); at += step) {
       sink(message->bytes().substr(at, step));

@@ -1,156 +1,12 @@
-#include "hosts/mailbox/formats/failures.h"
-#include "hosts/mailbox/formats/import/header_block.h"
+#include <algorithm>
+
+#include "hosts/mailbox/formats/import/mime_entity.h"
 #include "hosts/mailbox/formats/import/rfc5322.h"
-#include "hosts/mailbox/formats/mapi/code_page.h"
-#include "hosts/mailbox/mime/encode.h"
-#include "hosts/mailbox/mime/header.h"
-#include "hosts/mailbox/mime/header_value.h"
 
 namespace quillfile::formats {
-namespace {
-
-// A MIME entity: its Content- fields, each ended by a line end, and what writes its body. A body ends in a
-// line end or nowhere; the boundary that follows brings its own.
-struct Entity {
-  std::string fields;
-  ByteSource body;
-};
-
-// type "/" subtype, and nothing that would need other rules than a plain file.
-std::string fileType(const std::string& type) {
-  const std::size_t slash = type.find('/');
-  bool good = slash != std::string::npos && slash > 0 && slash + 1 < type.size();
-  for (std::size_t i = 0; i < type.size(); ++i) {
-    const char byte = type[i];
-    const bool letter =
-        (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
-    good = good && (letter || i == slash || std::string_view("+-._").find(byte) != std::string_view::npos);
-  }
-  const std::string lower = mime::lowerCase(type);
-  if (lower.starts_with("multipart/") || lower.starts_with("message/")) good = false;
-  return good ? type : "application/octet-stream";
-}
-
-class Writer {
- public:
-  explicit Writer(std::string_view lineEnd) : end_(lineEnd) {}
-
-  // The whole message: header, blank line, body.
-  Entity message(const MessageContent& message, int depth) {
-    if (depth > kMaxDepth) throw failures::tooDeep();
-    Entity inside = contents(message, depth);
-    return {headerBlock(message, end_) + "MIME-Version: 1.0" + end_ + inside.fields, inside.body};
-  }
-
- private:
-  Entity text(std::string_view type, std::string_view charset, std::string_view bytes) {
-    return {"Content-Type: " + std::string(type) + "; charset=\"" + std::string(charset) + "\"" + end_ +
-                "Content-Transfer-Encoding: quoted-printable" + end_,
-            [bytes = std::string(bytes), end = end_](const ByteSink& sink) {
-              sink(mime::toQuotedPrintable(bytes, end));
-            }};
-  }
-
-  std::vector<Entity> bodies(const MessageContent& message) {
-    std::vector<Entity> result;
-    const bool others = !message.html.bytes.empty() || !message.rtfBody.empty();
-    if (!message.textBody.empty() || !others)
-      result.push_back(text("text/plain", "utf-8", toUtf8(message.textBody)));
-    if (!message.rtfBody.empty()) {
-      result.push_back({"Content-Type: text/rtf" + end_ + "Content-Transfer-Encoding: base64" + end_,
-                        encoded(viewSource(message.rtfBody))});
-    }
-    constexpr std::uint32_t kUtf16 = 1200;
-    if (message.html.codePage == kUtf16) {
-      result.push_back(text("text/html", "utf-8", toUtf8(mapi::fromCodePage(message.html.bytes, kUtf16))));
-    } else if (!message.html.bytes.empty()) {
-      result.push_back(text("text/html", mapi::charsetOf(message.html.codePage), message.html.bytes));
-    }
-    return result;
-  }
-
-  // mixed( related( alternative( bodies ), pictures of the HTML body ), the other attachments ); each only
-  // where it has more than one part.
-  Entity contents(const MessageContent& message, int depth) {
-    std::vector<Entity> shown = {group("alternative", bodies(message))}, all;
-    for (const AttachmentContent& one : message.attachments) {
-      const bool related = one.shownInline && !one.contentId.empty() && !message.html.bytes.empty();
-      (related ? shown : all).push_back(attachment(one, depth));
-    }
-    all.insert(all.begin(), group("related", std::move(shown)));
-    return group("mixed", std::move(all));
-  }
-
-  // No line of base64 or quoted-printable has "=_" in it, and each boundary of the whole message has its
-  // number.
-  Entity group(std::string_view subtype, std::vector<Entity> parts) {
-    if (parts.size() == 1) return std::move(parts[0]);
-    const std::string boundary = "=_quillfile_" + std::to_string(++boundaries_);
-    return {"Content-Type: multipart/" + std::string(subtype) + "; boundary=\"" + boundary + "\"" + end_,
-            [boundary, end = end_, kept = std::move(parts)](const ByteSink& sink) {
-              for (const Entity& part : kept) {
-                sink(end + "--" + boundary + end + part.fields + end);
-                part.body(sink);
-              }
-              sink(end + "--" + boundary + "--" + end);
-            }};
-  }
-
-  ByteSource encoded(ByteSource source) {
-    return [source = std::move(source), end = end_](const ByteSink& sink) {
-      mime::Base64Encoder encoder(end, sink);
-      if (source) source([&](std::string_view bytes) { encoder.write(bytes); });
-      encoder.finish();
-      sink(end);
-    };
-  }
-
-  std::string nameFields(const AttachmentContent& one, std::string_view type) {
-    const Text name = fromUtf8(plainField(toUtf8(one.fileName)));
-    const std::string word = one.shownInline ? "inline" : "attachment";
-    std::string result = "Content-Type: " + std::string(type);
-    if (!name.empty()) result += mime::encodedParameter("name", name, end_);
-    result += end_ + "Content-Disposition: " + word;
-    if (!name.empty()) result += mime::encodedParameter("filename", name, end_);
-    result += end_;
-    if (!one.contentId.empty()) result += "Content-ID: <" + plainField(one.contentId) + ">" + end_;
-    if (!one.displayName.empty()) {
-      const Text shown = fromUtf8(plainField(toUtf8(one.displayName)));
-      result += "Content-Description: " + mime::encodedText(shown, end_) + end_;
-    }
-    return result;
-  }
-
-  Entity attachment(const AttachmentContent& one, int depth) {
-    if (one.message) {
-      const Entity inner = message(*one.message, depth + 1);
-      return {nameFields(one, "message/rfc822"), [inner, end = end_](const ByteSink& sink) {
-                sink(inner.fields + end);
-                inner.body(sink);
-              }};
-    }
-    if (one.method == AttachMethod::by_reference) return reference(one);
-    return {nameFields(one, fileType(one.mimeType)) + "Content-Transfer-Encoding: base64" + end_,
-            encoded(one.data)};
-  }
-
-  // A file that is somewhere else (RFC 2017): the part is only the fields of what would be there.
-  Entity reference(const AttachmentContent& one) {
-    const Text url = fromUtf8(plainField(toUtf8(one.reference)));
-    const std::string type =
-        "message/external-body; access-type=URL" + mime::encodedParameter("url", url, end_);
-    return {nameFields(one, type), ownedSource("Content-Type: " + fileType(one.mimeType) + end_ + end_)};
-  }
-
-  std::string end_;
-  int boundaries_ = 0;
-};
-
-}  // namespace
 
 void writeRfc5322(const MessageContent& message, const ByteSink& sink, std::string_view lineEnd) {
-  Writer writer(lineEnd);
-  const Entity whole = writer.message(message, 1);
+  const Entity whole = EntityWriter(lineEnd).message(message);
   BufferedSink buffer(sink);
   const ByteSink out = [&](std::string_view bytes) { buffer.write(bytes); };
   out(whole.fields);
@@ -159,14 +15,29 @@ void writeRfc5322(const MessageContent& message, const ByteSink& sink, std::stri
   buffer.flush();
 }
 
+namespace {
+
+bool isMail(TextView messageClass) {
+  for (const TextView mail : {u"IPM.Note", u"IPM.Post", u"IPM.Microsoft Mail.Note", u"REPORT."}) {
+    if (startsWith(messageClass, mail)) return true;
+  }
+  return false;
+}
+
+void addOtherClasses(const MessageContent& message, std::vector<Text>& to) {
+  const Text loss =
+      fill(u"Of an item of the class \"{}\" only the texts and the attachments are carried over",
+           message.messageClass);
+  if (!isMail(message.messageClass) && std::find(to.begin(), to.end(), loss) == to.end()) to.push_back(loss);
+  for (const AttachmentContent& one : message.attachments)
+    if (one.message) addOtherClasses(*one.message, to);
+}
+
+}  // namespace
+
 std::vector<Text> leftBehind(const ReadMessage& message) {
   std::vector<Text> result = message.doubts;
-  const Text& kind = message.content.messageClass;
-  for (const TextView mail : {u"IPM.Note", u"IPM.Post", u"IPM.Microsoft Mail.Note", u"REPORT."}) {
-    if (startsWith(kind, mail)) return result;
-  }
-  result.push_back(
-      fill(u"Of an item of the class \"{}\" only the texts and the attachments are carried over", kind));
+  addOtherClasses(message.content, result);
   return result;
 }
 
