@@ -87,7 +87,7 @@ void addHeader(const Message& message, MessageContent& to) {
     for (const auto& one : mime::parseAddresses(header.value(field.name)))
       to.recipients.push_back({field.kind, {one.name, one.address}});
   if (const auto date = mime::parseDate(header.value("Date"))) to.sent = timeOf(*date);
-  to.received = timeOf(receivedSeconds(message));
+  if (const auto received = knownReceivedSeconds(message)) to.received = timeOf(*received);
   to.messageId = header.text("Message-ID");
   to.inReplyTo = header.text("In-Reply-To");
   to.references = header.text("References");

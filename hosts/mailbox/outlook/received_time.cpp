@@ -31,13 +31,18 @@ std::string formatted(const char* pattern, const std::tm& parts, bool colonInZon
 
 }  // namespace
 
-std::int64_t receivedSeconds(const Message& message) {
+std::optional<std::int64_t> knownReceivedSeconds(const Message& message) {
   const auto header = message.header();
   if (const auto field = header.field("Received"))
     if (const auto seconds = mime::parseReceivedDate(mime::unfolded(field->value))) return *seconds;
   if (const auto seconds = mime::parseDate(header.value("Date"))) return *seconds;
   if (const auto& file = message.file()) return file->modified() / 1'000'000'000;
-  return static_cast<std::int64_t>(std::time(nullptr));
+  return std::nullopt;
+}
+
+std::int64_t receivedSeconds(const Message& message) {
+  const auto known = knownReceivedSeconds(message);
+  return known ? *known : static_cast<std::int64_t>(std::time(nullptr));
 }
 
 LocalTime localTime(std::int64_t seconds) {

@@ -94,6 +94,16 @@ TEST(MailAsContent, HasWhatTheMailHas) {
   EXPECT_EQ(content.attachments[2].reference, u"https://example.org/f");
 }
 
+// Equal messages give equal files: the clock has no part in them.
+TEST(MailAsContent, KnowsNoTimeOfAMessageInAMessageThatSaysNone) {
+  const auto content = contentOf(
+      "Date: Wed, 04 Mar 2009 14:05:00 +0000\nContent-Type: message/rfc822\n\nSubject: inner\n\ntext\n");
+  EXPECT_TRUE(content.received.has_value());
+  ASSERT_EQ(content.attachments.size(), 1u);
+  ASSERT_NE(content.attachments[0].message, nullptr);
+  EXPECT_FALSE(content.attachments[0].message->received.has_value());
+}
+
 TEST(MailAsContent, HasTheClassOfTheItem) {
   EXPECT_EQ(contentOf("Newsgroups: a.b\n\nx\n").messageClass, u"IPM.Post");
   EXPECT_EQ(contentOf("Content-Type: text/calendar; method=cancel\n\nx\n").messageClass,
