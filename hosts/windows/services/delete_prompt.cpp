@@ -23,7 +23,8 @@ void fillIn(HWND window, const DeletePrompt& prompt) {
 INT_PTR CALLBACK handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
     fillIn(window, *reinterpret_cast<const DeletePrompt*>(lParam));
-    return TRUE;
+    SetFocus(GetDlgItem(window, CMD_NO));  // the return key must not delete
+    return FALSE;
   }
   if (message != WM_COMMAND) return FALSE;
   const WORD control = LOWORD(wParam);

@@ -78,6 +78,26 @@ TEST(DeletePromptDialog, ItShowsTheTextsThatItIsGiven) {
   EXPECT_EQ(noToAll, u"No to All");
 }
 
+// The key goes to the control that has the focus, as the keyboard's would.
+void type(HWND window, WPARAM key) {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof thread;
+  GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &thread);
+  PostMessageW(thread.hwndFocus, WM_KEYDOWN, key, 0);
+}
+
+TEST(DeletePromptDialog, TheReturnKeyIsTheCarefulAnswerAndEscapeIsNone) {
+  struct Row {
+    WPARAM key;
+    std::int32_t answer;
+  };
+  for (const auto& row : {Row{VK_RETURN, 1}, Row{VK_ESCAPE, 0}}) {
+    Answering user{u"Delete prompt", [&](HWND window) { type(window, row.key); }};
+    EXPECT_EQ(DesktopDialogs{}.show(prompt()), row.answer);
+    EXPECT_TRUE(user.found());
+  }
+}
+
 SaveAsRequest request(const TemporaryFolder& folder) {
   return {.fileName = u"a.pdf",
           .initialFolder = folder.path(),

@@ -1,4 +1,4 @@
-// Shows one of the module's windows for a while, to be looked at: show_dialog prompt|save-as|box
+// Shows one of the module's windows for a while, to be looked at: show_dialog prompt|save-as|box|question
 #include <cstdlib>
 #include <string_view>
 #include <thread>
@@ -17,9 +17,14 @@ int main(int argc, char** argv) {
   }}.detach();
   if (which == "box") {
     DesktopUser{}.messageBox(u"Processing complete.  2 attachments removed.", u"Quillfile", Buttons::ok);
+  } else if (which == "question") {
+    DesktopUser{}.messageBox(
+        u"Warning: A file with the same name ('report.pdf') already exists and is read-only.\r\n"
+        u"Would you like to rename the file?",
+        u"Quillfile", Buttons::yes_no_cancel);
   } else if (which == "save-as") {
-    DesktopDialogs{}.show(SaveAsRequest{.fileName = u"C:\\report.pdf",
-                                        .initialFolder = {},
+    DesktopDialogs{}.show(SaveAsRequest{.fileName = u"report.pdf",
+                                        .initialFolder = u"C:\\users\\Public\\Documents",
                                         .defaultExtension = u"pdf",
                                         .title = u"Quillfile",
                                         .filter = u"All Files (*.*)|*.*",
