@@ -43,6 +43,14 @@ FakeFile* FakeFiles::find(TextView path) {
 
 void FakeFiles::erase(TextView path) { files_.erase(key(path)); }
 
+std::map<Text, FakeFile> FakeFiles::below(TextView folder) const {
+  const Text beginning = key(folder) + Text{paths_.separator};
+  std::map<Text, FakeFile> found;
+  for (const auto& [path, file] : files_)
+    if (startsWith(path, beginning)) found.emplace(path.substr(beginning.size()), file);
+  return found;
+}
+
 void FakeFiles::addFolder(TextView path) {
   for (Text folder = key(path); folders_.insert(folder).second && folder != paths_.separator;)
     folder = parent(folder);

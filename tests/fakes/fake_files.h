@@ -27,6 +27,8 @@ class FakeFiles : public FileSystem, public LinkedFiles, public FileTimes {
   FakeFile& add(TextView path, std::string content = "content");
   FakeFile* find(TextView path);  // null when there is none
   void erase(TextView path);
+  // Those below a folder, by their paths from there, as the rules compare them.
+  std::map<Text, FakeFile> below(TextView folder) const;
   void addFolder(TextView path);
   void refuseFolder(TextView path) { refused_.insert(key(path)); }  // this folder cannot be created
   bool makeFolder(TextView path);                                   // with its parents

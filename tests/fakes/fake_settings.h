@@ -1,11 +1,12 @@
-// FakeSettings: the settings store, in memory. A test reads and sets keys of the module's section by name
-// alone.
+// FakeSettings: the settings store, in memory; names ignore case. A test reads and sets keys of the module's
+// section by name alone.
 #pragma once
 
 #include <map>
 #include <tuple>
 
 #include "core/platform/settings_store.h"
+#include "tests/fakes/fake_system.h"
 #include "tests/fakes/recorder.h"
 
 namespace quillfile {
@@ -15,10 +16,10 @@ class FakeSettings : public SettingsStore {
   explicit FakeSettings(Recorder& record) : record_(record) {}
 
   // The module's own section.
-  void set(TextView key, TextView value) { values_[{u"Corvane", u"Quillfile", Text{key}}] = value; }
+  void set(TextView key, TextView value) { values_[name(u"Corvane", u"Quillfile", key)] = value; }
   std::optional<Text> get(TextView key) const { return lookUp(u"Corvane", u"Quillfile", key); }
   // The engine's section.
-  void setEngine(TextView key, TextView value) { values_[{u"Corvane", u"Corvane", Text{key}}] = value; }
+  void setEngine(TextView key, TextView value) { values_[name(u"Corvane", u"Corvane", key)] = value; }
 
   std::optional<Text> read(TextView application, TextView section, TextView key) override {
     return record_.asked(u"SettingsStore.read"), lookUp(application, section, key);
@@ -26,17 +27,22 @@ class FakeSettings : public SettingsStore {
   void write(TextView application, TextView section, TextView key, TextView value) override {
     record_.asked(u"SettingsStore.write");
     record_.did(fill(u"setting {}/{}/{} = {}", application, section, key, value));
-    values_[{Text{application}, Text{section}, Text{key}}] = value;
+    values_[name(application, section, key)] = value;
   }
 
  private:
+  using Name = std::tuple<Text, Text, Text>;
+  static Name name(TextView application, TextView section, TextView key) {
+    FakeLetters letters;
+    return {letters.lower(application), letters.lower(section), letters.lower(key)};
+  }
   std::optional<Text> lookUp(TextView application, TextView section, TextView key) const {
-    const auto found = values_.find({Text{application}, Text{section}, Text{key}});
+    const auto found = values_.find(name(application, section, key));
     return found == values_.end() ? std::nullopt : std::optional{found->second};
   }
 
   Recorder& record_;
-  std::map<std::tuple<Text, Text, Text>, Text> values_;
+  std::map<Name, Text> values_;
 };
 
 }  // namespace quillfile

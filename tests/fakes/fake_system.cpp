@@ -1,5 +1,6 @@
 #include "tests/fakes/fake_system.h"
 
+#include <chrono>
 #include <cstdio>
 
 namespace quillfile {
@@ -26,6 +27,10 @@ LocalTime FakeDates::parse(TextView text) {
                                 &time.year,  // NOLINT
                                 &time.hour, &time.minute, &time.second, &half);
   if (read != 3 && read != 7) throw Failure::typeMismatch();
+  using namespace std::chrono;
+  const year_month_day date{year{time.year}, month{static_cast<unsigned>(time.month)},
+                            day{static_cast<unsigned>(time.day)}};
+  if (!date.ok()) throw Failure::typeMismatch();
   if (read == 7) time.hour = time.hour % 12 + (half == 'P' ? 12 : 0);
   return time;
 }

@@ -21,7 +21,8 @@ class Recorder {
   }
   // The same for ports that report failure by their result: true when this call is to fail.
   bool refuses(TextView call) {
-    const bool fails = ++calls_ == failAt_ || (!failing_.empty() && failing_.contains(Text{call}));
+    const bool fails = ++calls_ == failAt_ || (!failing_.empty() && failing_.contains(Text{call})) ||
+                       (call == failOnceIn_ && ++callsOfOne_ == failOnceAt_);
     if (fails) {
       failedCall_ = call;
       did(fill(u"{} fails", call));
@@ -36,6 +37,8 @@ class Recorder {
   // From now on: every call of this name fails.
   void failOn(TextView call) { failOn(call, {5, fill(u"{} failed", call)}); }
   void failOn(TextView call, Failure failure) { failing_.insert_or_assign(Text{call}, std::move(failure)); }
+  // From now on: the n-th call of this name fails, and no other.
+  void failOnce(TextView call, std::int32_t n) { failOnceIn_ = call, failOnceAt_ = n, callsOfOne_ = 0; }
   void failNoMore() { failAt(0), failing_.clear(); }
 
   const std::vector<Text>& lines() const { return lines_; }
@@ -59,6 +62,8 @@ class Recorder {
   std::map<Text, Failure> failing_;
   std::int32_t calls_ = 0;
   std::int32_t failAt_ = 0;
+  Text failOnceIn_;
+  std::int32_t failOnceAt_ = 0, callsOfOne_ = 0;
   Text failedCall_;
 };
 

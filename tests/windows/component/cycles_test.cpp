@@ -5,7 +5,10 @@
 
 #include <psapi.h>
 
+#include <cstdio>
+
 #include "tests/windows/fakes/com_world.h"
+#include "tests/windows/fakes/memory_watch.h"
 #include "tests/windows/services/temporary_folder.h"
 
 namespace quillfile::windows {
@@ -53,15 +56,27 @@ void cycle(const TemporaryFolder& folder) {
 
 TEST(Cycles, AThousandLeaveNothingBehind) {
   const TemporaryFolder folder;
+  const MallocSpy spy;
   for (int i = 0; i < 100; ++i) cycle(folder);
   const Usage before = usage();
+  const HeapUse heapsBefore = heapUse();
+  const auto blocksBefore = spy.live();
   for (int i = 0; i < 1000; ++i) cycle(folder);
+  const auto blocksAfter = spy.live();
+  const HeapUse heapsAfter = heapUse();
   const Usage after = usage();
 
   EXPECT_EQ(after.objects, before.objects);
   EXPECT_EQ(after.handles, before.handles);
+  EXPECT_EQ(blocksAfter, blocksBefore) << "blocks of the COM allocator, of " << spy.allocated();
+  EXPECT_GT(spy.allocated(), 100'000u) << "the strings went past the spy: is OANOCACHE set?";
+  EXPECT_LT(heapsAfter.blocks - heapsBefore.blocks, 100) << "a block each tenth cycle would show";
+  EXPECT_TRUE(heapsAfter.sound);
   EXPECT_LT(after.memory - before.memory, 256 * 1024) << "a leak of 262 bytes a cycle would show";
-  RecordProperty("memory_growth_in_bytes", std::to_string(after.memory - before.memory));
+  std::printf("growth: %lld bytes of the process, %lld heap blocks of %lld bytes, %lld of %llu COM blocks\n",
+              after.memory - before.memory, heapsAfter.blocks - heapsBefore.blocks,
+              heapsAfter.bytes - heapsBefore.bytes, static_cast<long long>(blocksAfter - blocksBefore),
+              static_cast<unsigned long long>(spy.allocated()));
 }
 
 // The calls to the client that saving one item with so many attachments costs.

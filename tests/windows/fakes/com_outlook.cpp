@@ -59,7 +59,8 @@ NewAttachment newAttachment(const Call& call) {
   return added;
 }
 
-// A saved attachment must be on the disk, where the module looks for it.
+}  // namespace
+
 void writeToDisk(FakePlatform& world, const Text& path) {
   const FakeFile* saved = world.files.find(path);
   if (saved == nullptr) return;
@@ -69,8 +70,6 @@ void writeToDisk(FakePlatform& world, const Text& path) {
   WriteFile(file, saved->content.data(), static_cast<DWORD>(saved->content.size()), &written, nullptr);
   CloseHandle(file);
 }
-
-}  // namespace
 
 ComOutlook::~ComOutlook() = default;
 
@@ -195,8 +194,9 @@ void ComOutlook::fillInWithoutLibrary(Scripted& object, const std::shared_ptr<Fa
       .on(u"Sender", [this, safe](const Call&) { return addressEntry(safe->sender()); })
       .on(u"SenderEmailAddress", [safe](const Call&) { return Variant{safe->senderEmailAddress()}; })
       .on(u"SaveAs",
-          [safe](const Call& call) {
+          [this, safe](const Call& call) {
             safe->saveAs(call[0].text(), static_cast<SaveAsType>(call[1].number()));
+            writeToDisk(world_, call[0].text());
             return Variant{};
           })
       .onPut(u"Body", [safe](const Variant& value) { safe->setBody(BodyKind::plain, value.text()); })

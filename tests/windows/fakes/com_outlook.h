@@ -11,6 +11,9 @@ namespace quillfile::windows {
 inline constexpr IID itemEventsId{0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID explorerEventsId{0x0006300F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
+// What the fakes have saved must be on the disk too, where the module looks for it.
+void writeToDisk(FakePlatform& world, const Text& path);
+
 class ComOutlook {
  public:
   ComOutlook(FakePlatform& world, CallCounter& calls) : world_(world), calls_(calls) {}

@@ -241,8 +241,9 @@ Fake ComWorld::makeSafeItem() {
       .on(u"Attachments",
           [this, safe](const Call&) { return outlook.attachments(held(*safe).attachments()); })
       .on(u"Save", [safe](const Call&) { return held(*safe).save(), Variant{}; })
-      .on(u"SaveAs", [safe](const Call& call) {
+      .on(u"SaveAs", [this, safe](const Call& call) {
         held(*safe).saveAs(call[0].text(), static_cast<SaveAsType>(call[1].number()));
+        writeToDisk(fakes, call[0].text());
         return Variant{};
       });
   struct Row {

@@ -52,7 +52,11 @@ BOOL CALLBACK ofThisProcess(HWND window, LPARAM result) {
 
 }  // namespace
 
-Desktop::Desktop(quillfile::Recorder& record) : record_(record), thread_([this] { watch(); }) {}
+Desktop::Desktop(quillfile::Recorder& record, Text saveFolder, Answers answers)
+    : record_(record),
+      saveFolder_(std::move(saveFolder)),
+      answers_(std::move(answers)),
+      thread_([this] { watch(); }) {}
 
 Desktop::~Desktop() {
   stop_ = true;
@@ -73,20 +77,21 @@ void Desktop::watch() {
 void Desktop::handle(HWND window) {
   if (GetDlgItem(window, LBL_WINDOW_MESSAGE) != nullptr) {
     record_.did(fill(u"prompt {}", textOf(window, LBL_WINDOW_MESSAGE)));
-    const auto answer = next(promptAnswers, 0);
+    const auto answer = next(answers_.prompts, 0);
     press(window, answer == 0 ? IDCANCEL : CMD_NO + answer - 1);
   } else if (GetDlgItem(window, nameField) != nullptr) {
     record_.did(u"save-as dialog");
-    const auto path = next(chosenPaths, std::optional<Text>{});
-    if (path) SendDlgItemMessageW(window, nameField, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(wide(*path)));
-    press(window, path ? IDOK : IDCANCEL);
+    const auto name = next(answers_.fileNames, std::optional<Text>{});
+    const Text path = saveFolder_ + name.value_or(u"");
+    if (name) SendDlgItemMessageW(window, nameField, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(wide(path)));
+    press(window, name ? IDOK : IDCANCEL);
   } else {
     const bool asks = GetDlgItem(window, IDNO) != nullptr;
     wchar_t title[64];
     GetWindowTextW(window, title, 64);
     record_.did(
         fill(asks ? u"question {}: {}" : u"message box {}: {}", view(title), textOf(window, messageText)));
-    press(window, asks ? buttonOf(next(answers, Answer::cancel)) : IDOK);
+    press(window, asks ? buttonOf(next(answers_.boxes, Answer::cancel)) : IDOK);
   }
 }
 

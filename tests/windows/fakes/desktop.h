@@ -6,32 +6,28 @@
 #include <windows.h>
 
 #include <atomic>
-#include <deque>
-#include <optional>
 #include <thread>
 
-#include "core/platform/user_interface.h"
 #include "tests/fakes/recorder.h"
+#include "tests/scenarios/scenario.h"
 
 namespace quillfile::windows {
 
 class Desktop {
  public:
-  explicit Desktop(quillfile::Recorder& record);
+  // Chosen file names are in `saveFolder`, which ends in a separator.
+  explicit Desktop(quillfile::Recorder& record, Text saveFolder = {}, Answers answers = {});
   ~Desktop();
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
-
-  // Filled in before the module is called.
-  std::deque<Answer> answers;
-  std::deque<std::int32_t> promptAnswers;
-  std::deque<std::optional<Text>> chosenPaths;
 
  private:
   void watch();
   void handle(HWND window);
 
   quillfile::Recorder& record_;
+  Text saveFolder_;
+  Answers answers_;
   std::atomic<bool> stop_{false};
   std::thread thread_;
 };

@@ -1,37 +1,39 @@
-// Every scenario on both sides; and again with each of the client's, the engine's and the library's calls
-// failing.
+// Every scenario on the registered component: the transcript of the core's own tests, line for line, the same
+// files on the disk, the same settings; and again with each of the client's, the engine's and the library's
+// calls failing.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "tests/fakes/transcript.h"
-#include "tests/windows/scenarios/scenarios.h"
+#include "tests/windows/scenarios/component_stage.h"
 
 namespace quillfile::windows {
 namespace {
 
-void expectSame(const Outcome& component, const Outcome& core) {
-  expectTranscript(component.lines, core.lines);
-  for (std::size_t i = 0; i < core.settings.size(); ++i) {
-    EXPECT_EQ(component.settings[i].second, core.settings[i].second) << toUtf8(core.settings[i].first);
+void expectSame(const BothOutcomes& both) {
+  expectTranscript(both.component.lines, both.core.lines);
+  expectTranscript(both.component.files, both.core.files);
+  expectTranscript(both.component.items, both.core.items);
+  for (std::size_t i = 0; i < both.core.settings.size(); ++i) {
+    EXPECT_EQ(both.component.settings[i].second, both.core.settings[i].second)
+        << toUtf8(both.core.settings[i].first);
   }
 }
+
+std::string nameOf(const testing::TestParamInfo<Scenario>& info) { return info.param.name; }
 
 class EveryScenario : public testing::TestWithParam<Scenario> {};
 
 TEST_P(EveryScenario, IsTheSameOnTheComponentAsOnTheCore) {
   const long before = liveObjects;
-  const auto core = SideBySide::onCore(GetParam());
-  const auto component = SideBySide::onComponent(GetParam());
-  expectSame(component, core);
-  EXPECT_FALSE(core.lines.empty());
+  const auto both = playOnBoth(GetParam());
+  expectSame(both);
+  EXPECT_FALSE(both.core.lines.empty());
   EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
 }
 
-std::string nameOf(const testing::TestParamInfo<Scenario>& info) { return info.param.name; }
-
-INSTANTIATE_TEST_SUITE_P(Saving, EveryScenario, testing::ValuesIn(saveScenarios()), nameOf);
-INSTANTIATE_TEST_SUITE_P(Items, EveryScenario, testing::ValuesIn(itemScenarios()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Component, EveryScenario, testing::ValuesIn(allScenarios()), nameOf);
 
 // Where the mail-helper library is not registered, the item itself serves, and the rest stays the same.
 class WithoutTheLibrary : public testing::TestWithParam<Scenario> {};
@@ -45,35 +47,29 @@ std::vector<Text> withoutItsMention(const std::vector<Text>& lines) {
 }
 
 TEST_P(WithoutTheLibrary, TheClientItselfServes) {
-  const auto core = SideBySide::onCore(GetParam());
-  const auto component = SideBySide::onComponent(GetParam(), {}, false);
-  expectTranscript(withoutItsMention(component.lines), withoutItsMention(core.lines));
+  const auto both = playOnBoth(GetParam(), {}, false);
+  expectTranscript(withoutItsMention(both.component.lines), withoutItsMention(both.core.lines));
+  expectTranscript(both.component.files, both.core.files);
 }
 
-std::vector<Scenario> librarysScenarios() {
+std::vector<Scenario> named(std::initializer_list<const char*> names) {
   std::vector<Scenario> chosen;
-  for (const auto& scenario : saveScenarios()) {
-    for (const std::string name :
-         {"text", "html", "rtf", "rtf_that_is_none", "sender_filter", "exchange_sender_filter",
-          "mail_saved_as_0", "mail_saved_as_1", "mail_saved_as_2"}) {
-      if (scenario.name == name) chosen.push_back(scenario);
-    }
-  }
+  for (const std::string name : names) chosen.push_back(scenarioNamed(name));
   return chosen;
 }
 
-INSTANTIATE_TEST_SUITE_P(Saving, WithoutTheLibrary, testing::ValuesIn(librarysScenarios()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Component, WithoutTheLibrary,
+                         testing::ValuesIn(named({"text", "html", "rtf", "rtf_that_is_none", "sender_filter",
+                                                  "exchange_sender_filter", "mail_saved_as_0",
+                                                  "mail_saved_as_1", "mail_saved_as_2"})),
+                         nameOf);
 
 TEST(WithoutTheLibrarysFormats, SavingAMailEndsInTheErrorTrapAndTheAttachmentsAreSaved) {
-  for (const auto& scenario : saveScenarios()) {
-    if (scenario.name != "mail_saved_too") continue;
-    const auto component = SideBySide::onComponent(scenario, {}, false);
-    const auto saves = std::count_if(component.lines.begin(), component.lines.end(), [](const Text& line) {
-      return line.find(u"of type 1024") != Text::npos;
-    });
-    EXPECT_EQ(saves, 0);
-    EXPECT_EQ(std::count(component.lines.begin(), component.lines.end(), u"Invoices/a.pdf: remove"), 1);
-  }
+  const auto component = playOnBoth(scenarioNamed("mail_saved_too"), {}, false).component;
+  const auto saves = std::count_if(component.lines.begin(), component.lines.end(),
+                                   [](const Text& line) { return line.find(u"of type 1024") != Text::npos; });
+  EXPECT_EQ(saves, 0);
+  EXPECT_EQ(std::count(component.lines.begin(), component.lines.end(), u"Invoices/a.pdf: remove"), 1);
 }
 
 // The calls of the ports that reach the component through COM.
@@ -139,31 +135,50 @@ constexpr TextView comCalls[] = {u"Application.activeExplorer",
                                  u"Selection.count",
                                  u"Selection.item"};
 
+std::string callName(const testing::TestParamInfo<TextView>& info) {
+  return toUtf8(replaceAll(info.param, u".", u"_"));
+}
+
 class EveryFailure : public testing::TestWithParam<TextView> {};
 
 TEST_P(EveryFailure, IsReportedByTheComponentAsByTheCore) {
   const long before = liveObjects;
-  for (const auto& scenario : saveScenarios()) {
-    for (const std::string wanted :
-         {"text", "html", "exchange_sender_filter", "mail_saved_too", "outlooks_folders"}) {
-      if (scenario.name != wanted) continue;
-      SCOPED_TRACE(scenario.name);
-      expectSame(SideBySide::onComponent(scenario, GetParam()), SideBySide::onCore(scenario, GetParam()));
-    }
+  for (const auto& scenario :
+       named({"text", "html", "exchange_sender_filter", "mail_saved_too", "folders_of_the_client",
+              "refreshed_button_and_hotkey", "hotkey", "html_answered_from_a_slot",
+              "rtf_answered_from_the_explorer", "text_answered_from_the_explorer", "deleted_yes_to_all"})) {
+    SCOPED_TRACE(scenario.name);
+    expectSame(playOnBoth(scenario, {.call = Text{GetParam()}}));
   }
-  for (const auto& scenario : itemScenarios()) {
-    for (const std::string wanted : {"html_answered_from_a_slot", "rtf_answered_from_the_explorer",
-                                     "text_answered_from_the_explorer", "deleted_yes_to_all"}) {
-      if (scenario.name != wanted) continue;
-      SCOPED_TRACE(scenario.name);
-      expectSame(SideBySide::onComponent(scenario, GetParam()), SideBySide::onCore(scenario, GetParam()));
+  EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, EveryFailure, testing::ValuesIn(comCalls), callName);
+
+// The sweep: the first call of that name fails, then the second alone, and so on until none is left.
+class EachFailureInTurn : public testing::TestWithParam<TextView> {};
+
+bool failed(const Outcome& outcome, TextView call) {
+  return std::find(outcome.lines.begin(), outcome.lines.end(), fill(u"{} fails", call)) !=
+         outcome.lines.end();
+}
+
+TEST_P(EachFailureInTurn, IsReportedByTheComponentAsByTheCore) {
+  const long before = liveObjects;
+  for (const auto& scenario : named({"new_html_item", "new_item_into_the_clients_folders",
+                                     "sent_item_with_removal", "html_answered_from_a_slot",
+                                     "rtf_answered_from_the_explorer", "refreshed_button_and_hotkey"})) {
+    for (std::int32_t nth = 1;; ++nth) {
+      SCOPED_TRACE(scenario.name + ", call " + std::to_string(nth));
+      const auto both = playOnBoth(scenario, {.call = Text{GetParam()}, .nth = nth});
+      expectSame(both);
+      if (!failed(both.core, GetParam()) || HasFailure()) break;
     }
   }
   EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, EveryFailure, testing::ValuesIn(comCalls),
-                         [](const auto& call) { return toUtf8(replaceAll(call.param, u".", u"_")); });
+INSTANTIATE_TEST_SUITE_P(Calls, EachFailureInTurn, testing::ValuesIn(comCalls), callName);
 
 }  // namespace
 }  // namespace quillfile::windows
