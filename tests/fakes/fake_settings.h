@@ -3,10 +3,8 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include "core/platform/settings_store.h"
-#include "tests/fakes/fake_system.h"
 #include "tests/fakes/recorder.h"
 
 namespace quillfile {
@@ -31,10 +29,12 @@ class FakeSettings : public SettingsStore {
   }
 
  private:
-  using Name = std::tuple<Text, Text, Text>;
-  static Name name(TextView application, TextView section, TextView key) {
-    FakeLetters letters;
-    return {letters.lower(application), letters.lower(section), letters.lower(key)};
+  // "corvane/quillfile/savepath"
+  static Text name(TextView application, TextView section, TextView key) {
+    Text whole = fill(u"{}/{}/{}", application, section, key);
+    for (auto& unit : whole)
+      if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
+    return whole;
   }
   std::optional<Text> lookUp(TextView application, TextView section, TextView key) const {
     const auto found = values_.find(name(application, section, key));
@@ -42,7 +42,7 @@ class FakeSettings : public SettingsStore {
   }
 
   Recorder& record_;
-  std::map<Name, Text> values_;
+  std::map<Text, Text> values_;
 };
 
 }  // namespace quillfile
