@@ -176,5 +176,28 @@ class FirstRun(Case):
         self.assertEqual(monitored, ["Inbox", "Bills"])
 
 
+
+class Order(Case):
+    def test_messages_of_one_second_keep_their_numbers_when_one_is_rewritten(self):
+        self.home.set(RemoveAttachment=1, AddURL=1)
+        for same_file_time in (False, True):
+            with self.subTest(same_file_time=same_file_time):
+                for path in self.home.messages():
+                    path.unlink()
+                for number in range(6):
+                    path = self.home.add(mail(subject=f"{number}", files=[(f"{number}.txt", b"x")]))
+                    nanoseconds = 1_700_000_000_000_000_000 + (0 if same_file_time else number)
+                    os.utime(path, ns=(nanoseconds, nanoseconds))
+                subjects = lambda: [item["subject"] for item in self.home.run("--json", "list").json]
+                before = subjects()
+                if not same_file_time:
+                    self.assertEqual(before, ["0", "1", "2", "3", "4", "5"])
+                for number in (2, 5, 1):
+                    self.assertDone(self.home.run("save", number))
+                    self.assertEqual(subjects(), before)
+                self.assertDone(self.home.run("restore", 2))
+                self.assertEqual(subjects(), before)
+
+
 if __name__ == "__main__":
     main()

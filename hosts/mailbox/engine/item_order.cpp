@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <compare>
 #include <numeric>
+#include <optional>
 
 #include "hosts/mailbox/mime/date.h"
 #include "hosts/mailbox/mime/header.h"
@@ -23,12 +25,19 @@ bool isComplete(std::string_view header) {
   return header.find("\n\n") != std::string_view::npos || header.find("\n\r\n") != std::string_view::npos;
 }
 
-// The message's time; 0 when it cannot be read, so that it comes first and its trouble is reported when it is
-// opened.
-std::int64_t receivedAt(int folder, const std::string& name, std::string& buffer) {
+// What a message is ordered by. All of it stays what it is when the message is rewritten.
+struct Place {
+  std::int64_t received = 0;   // 0 when it cannot be read: it comes first, and is reported when it is opened
+  std::int64_t modified = 0;   // nanoseconds
+  std::uint64_t likeness = 0;  // of its header, where the other two are another's too
+  auto operator<=>(const Place&) const = default;
+};
+
+// The header, read into `buffer` for the while; `status` of its file. None when it cannot be read.
+std::optional<std::string_view> headerOf(int folder, const std::string& name, std::string& buffer,
+                                         struct stat& status) {
   const Descriptor file{openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
-  struct stat status {};
-  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   std::size_t have = 0;
   for (std::size_t wanted = headerStart; wanted <= headerMost; wanted *= 4) {
     if (buffer.size() < wanted) buffer.resize(wanted);
@@ -38,7 +47,28 @@ std::int64_t receivedAt(int folder, const std::string& name, std::string& buffer
   }
   const std::string_view start{buffer.data(), have};
   const std::size_t end = std::min(start.find("\n\n"), start.find("\n\r\n"));
-  return receivedSeconds(start.substr(0, end == std::string_view::npos ? end : end + 1), status.st_mtime);
+  return start.substr(0, end == std::string_view::npos ? end : end + 1);
+}
+
+Place placeOf(int folder, const std::string& name, std::string& buffer) {
+  struct stat status {};
+  const auto header = headerOf(folder, name, buffer, status);
+  if (!header) return {};
+  return {.received = receivedSeconds(*header, status.st_mtime),
+          .modified = std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
+}
+
+// FNV-1a, 64 bits, of the fields that a rewrite leaves alone.
+std::uint64_t likenessOf(int folder, const std::string& name, std::string& buffer) {
+  struct stat status {};
+  auto lines = headerOf(folder, name, buffer, status).value_or(std::string_view{});
+  std::uint64_t hash = 0xCBF29CE484222325;
+  while (const auto field = mime::takeField(lines)) {
+    const auto word = mime::lowerCase(field->name);
+    if (word.starts_with("content-") || word == "mime-version" || word.starts_with("x-quillfile-")) continue;
+    for (const char c : field->whole) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+  }
+  return hash;
 }
 
 }  // namespace
@@ -52,20 +82,29 @@ std::int64_t receivedSeconds(std::string_view header, std::int64_t otherwise) {
 }
 
 std::vector<std::string> itemsInOrder(const MailFolder& folder) {
-  const Listing listing =
-      folder.list();  // by delivery time and name already: a stable sort keeps that for equals
+  const Listing listing = folder.list();  // in the order of names: a stable sort keeps that for equals
   const std::array<Descriptor, 2> folders = {
       Descriptor{open((folder.directory() + "/cur").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)},
       Descriptor{open((folder.directory() + "/new").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}};
-  std::vector<std::int64_t> times(listing.size());
+  std::vector<Place> places(listing.size());
   std::string buffer;
-  for (std::size_t i = 0; i < listing.size(); ++i) {
-    const Entry entry = listing[i];
-    times[i] = receivedAt(folders[entry.isNew ? 1 : 0].get(), std::string(entry.fileName), buffer);
-  }
+  const auto read = [&](std::size_t index, auto what) {
+    const Entry entry = listing[index];
+    return what(folders[entry.isNew ? 1 : 0].get(), std::string{entry.fileName}, buffer);
+  };
+  for (std::size_t i = 0; i < listing.size(); ++i) places[i] = read(i, placeOf);
   std::vector<std::uint32_t> order(listing.size());
   std::iota(order.begin(), order.end(), 0u);
-  std::stable_sort(order.begin(), order.end(), [&](auto a, auto b) { return times[a] < times[b]; });
+  const auto before = [&](auto a, auto b) { return places[a] < places[b]; };
+  std::stable_sort(order.begin(), order.end(), before);
+  for (auto at = order.begin(); at != order.end();) {
+    const auto end = std::find_if(at, order.end(), [&](auto other) { return before(*at, other); });
+    if (end - at > 1) {
+      for (auto equal = at; equal != end; ++equal) places[*equal].likeness = read(*equal, likenessOf);
+      std::stable_sort(at, end, before);
+    }
+    at = end;
+  }
   std::vector<std::string> names;
   names.reserve(order.size());
   for (const auto index : order) names.emplace_back(listing[index].unique);

@@ -11,7 +11,9 @@
 namespace quillfile::mailbox {
 
 // The unique names of a folder's messages: by the date of the topmost Received field, else the Date field,
-// else the file's time; equal ones by delivery time and name. Only headers are read. Throws Failure.
+// else the file's time; equal ones by the file's time to the nanosecond, then by their other header fields,
+// so that a rewritten message keeps its place; copies of one message by delivery time and name. Only headers
+// are read. Throws Failure.
 std::vector<std::string> itemsInOrder(const MailFolder& folder);
 
 // What a message's header says about when it was received, seconds since 1970; `otherwise` when it says
