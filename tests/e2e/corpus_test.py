@@ -77,7 +77,7 @@ class Corpus(Case):
             if types[item] not in ("MailItem", "PostItem"):
                 self.assertNotIn(item, saved)
                 continue
-            if path.name in PYTHON_IS_WRONG or message.get_content_type().count("/") != 1 or path.name == "missing-subtype.txt":
+            if path.name in PYTHON_IS_WRONG or message.get_content_type().count("/") != 1:
                 continue
             # What a winmail.dat holds is saved, not the winmail.dat.
             wanted = Counter(data for kind, _, data in named(path.read_bytes())

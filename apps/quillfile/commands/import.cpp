@@ -29,9 +29,9 @@ class Import {
       : folder_(folder), file_(std::move(file)), imported_(imported) {}
 
   void run() {
-    const auto source = mailbox::MessageFile::open(file_);
-    if (!source) throw mailbox::failure(file_ + " is not there");
-    const std::string_view bytes = source->bytes();
+    source_ = mailbox::MessageFile::open(file_);
+    if (!source_) throw mailbox::failure(file_ + " is not there");
+    const std::string_view bytes = source_->bytes();
     if (takeDocument(formats::readMessageFile(bytes)) || takeDocument(formats::readTnef(bytes))) return;
     if (formats::isMbox(bytes)) {
       for (const auto& message : formats::splitMbox(bytes)) {
@@ -59,7 +59,12 @@ class Import {
   }
 
   void add(const mailbox::Content& content, const std::string& flags = "S") {
-    const std::string unique = folder_.create(content, flags);
+    const auto whole = [&](const mailbox::Sink& sink) {
+      content(sink);
+      if (!source_->isAsOpened())
+        throw mailbox::failure(file_ + " was changed by another program while it was being read");
+    };
+    const std::string unique = folder_.create(whole, flags);
     imported_.items.push_back({{"file", file_}, {"id", folder_.itemId(unique)}});
   }
 
@@ -73,6 +78,7 @@ class Import {
 
   const mailbox::MailFolder& folder_;
   std::string file_;
+  std::shared_ptr<mailbox::MessageFile> source_;
   Imported& imported_;
 };
 
@@ -80,6 +86,7 @@ class Import {
 
 int runImport(const Options& options) {
   const auto session = openSession(options);
+  session->cleanUp();
   const auto folder = options.folder.empty() ? session->store().need(mailbox::FolderRole::inbox)
                                              : session->store().createFolder(options.folder);
   Imported imported;

@@ -86,6 +86,11 @@ Extended splitExtended(std::string_view value) {
   return {std::string{value.substr(0, first)}, std::string{value.substr(second + 1)}};
 }
 
+Parameters parametersOf(std::string_view value) {
+  const auto list = value.find(';');
+  return list == value.npos ? Parameters{} : Parameters{value.substr(list)};
+}
+
 }  // namespace
 
 Parameters::Parameters(std::string_view list) {
@@ -156,21 +161,23 @@ std::optional<ContentType> parseContentType(std::string_view value) {
   if (!reader.take('/')) return std::nullopt;
   result.subtype = lowerCase(reader.word(";("));
   if (result.type.empty() || result.subtype.empty()) return std::nullopt;
-  const auto list = value.find(';');
-  if (list != value.npos) result.parameters = Parameters{value.substr(list)};
+  result.parameters = parametersOf(value);
   return result;
 }
 
 ContentType contentType(const Header& header) {
-  return parseContentType(header.value("Content-Type")).value_or(ContentType{});
+  const auto value = header.value("Content-Type");
+  if (auto type = parseContentType(value)) return *type;
+  ContentType unknown;
+  unknown.parameters = parametersOf(value);
+  return unknown;
 }
 
 Disposition disposition(const Header& header) {
   const auto value = header.value("Content-Disposition");
   Reader reader{value};
   const auto word = lowerCase(reader.word(";("));
-  const auto list = value.find(';');
-  return {word, list == value.npos ? Parameters{} : Parameters{std::string_view{value}.substr(list)}};
+  return {word, parametersOf(value)};
 }
 
 Text givenName(const Header& header) {

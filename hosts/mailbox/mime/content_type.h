@@ -50,7 +50,8 @@ struct Disposition {
   Parameters parameters;
 };
 
-// Content-Type of a part; text/plain where it is missing or cannot be read (RFC 2045 5.2).
+// Content-Type of a part; text/plain where it is missing or cannot be read (RFC 2045 5.2). Its parameters
+// count even then: a part that says "application-x-gzip; name=a.gz" is a file to whoever gets it.
 ContentType contentType(const Header& header);
 // The same from the field's value. None when it does not begin with type "/" subtype.
 std::optional<ContentType> parseContentType(std::string_view value);

@@ -87,6 +87,7 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
       sink(bytes);
     };
     doubt_ = mime::decode(at.encoding, tree().body(part_), counted, message_->behind(at.body));
+    message_->requireAsOpened();
     size_ = size;
   }
   void measure() const {

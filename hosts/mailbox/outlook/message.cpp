@@ -5,6 +5,7 @@
 
 #include "hosts/mailbox/mime/protection.h"
 #include "hosts/mailbox/mime/scan.h"
+#include "hosts/mailbox/services/failure.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -48,14 +49,31 @@ class BodySearch {
     for (const auto child : children) found = take(child) || found;
     return found;
   }
-  // The part that `start` names, else the first (RFC 2387 3.2).
+  // The root is the part that `start` names, else the first (RFC 2387 3.2). Some programs put the pictures in
+  // front of the page and name no start: where the root is no text and not what `type` says either, readers
+  // show the first page that there is.
   bool takeRoot(const mime::ContentType& type, const std::vector<PartIndex>& children) {
+    if (children.empty()) return false;
+    const auto root = rootOf(type, children);
+    if (take(root)) return true;
+    const auto [main, sub, parameters] = tree_.type(root);
+    if (mime::lowerCase(type.parameters.bytes("type").value_or("")) == main + "/" + sub) return false;
+    return std::any_of(children.begin(), children.end(),
+                       [&](PartIndex child) { return child != root && takePage(child); });
+  }
+  PartIndex rootOf(const mime::ContentType& type, const std::vector<PartIndex>& children) const {
     const auto start = type.parameters.bytes("start").value_or("");
-    if (!start.empty()) {
-      for (const auto child : children)
-        if (tree_.header(child).value("Content-ID") == start) return take(child);
-    }
-    return !children.empty() && take(children.front());
+    const auto named = std::find_if(children.begin(), children.end(), [&](PartIndex child) {
+      return !start.empty() && tree_.header(child).value("Content-ID") == start;
+    });
+    return named == children.end() ? children.front() : *named;
+  }
+  // Takes what `part` holds if an HTML body is among it.
+  bool takePage(PartIndex part) {
+    Layout taken = layout_;
+    if (!BodySearch{tree_, taken}.take(part) || taken.html == layout_.html) return false;
+    layout_ = taken;
+    return true;
   }
 
   const mime::PartTree& tree_;
@@ -109,7 +127,9 @@ Layout layoutOf(const mime::PartTree& tree) {
 Message::Message(std::shared_ptr<MessageFile> file)
     : file_(std::move(file)),
       tree_(mime::scan(file_->bytes(), behind({0, file_->bytes().size()}))),
-      layout_(layoutOf(tree_)) {}
+      layout_(layoutOf(tree_)) {
+  requireAsOpened();
+}
 
 Message::Message(std::string bytes)
     : own_(std::move(bytes)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {}
@@ -125,6 +145,13 @@ Message::Message(std::shared_ptr<const Message> stored, std::string bytes, Text 
   whyNothingMayGo_ = stored_->whyNothingMayGo();
   if (whyNothingMayGo_->empty()) whyNothingMayGo_ = std::move(reason);
   if (whyNothingMayGo_->empty()) whyNothingMayGo_ = reasonToKeep(tree_);
+}
+
+void Message::requireAsOpened() const {
+  if (outer_) outer_->requireAsOpened();
+  if (stored_) stored_->requireAsOpened();
+  if (file_ && !file_->isAsOpened())
+    throw failure("The message could not be read whole: another program has changed its file meanwhile");
 }
 
 mime::Behind Message::behind(mime::Range range) const {

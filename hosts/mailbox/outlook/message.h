@@ -48,6 +48,10 @@ class Message {
   // Of the message as it is stored; null for own and for outer bytes.
   const std::shared_ptr<MessageFile>& file() const { return stored().file_; }
 
+  // Throws Failure when what was read of this message cannot be relied upon, because another program has
+  // written to its file meanwhile, or the disk failed. To be asked after reading and before the bytes are
+  // used for good.
+  void requireAsOpened() const;
   // Gives mapped pages back as `range` is read front to back; see mime::Behind.
   mime::Behind behind(mime::Range range) const;
   // Why nothing may be taken out of this message, a sentence; empty when it may.

@@ -124,6 +124,7 @@ Content messageFile(MailboxItem& item) {
       sink(message->bytes().substr(at, step));
       if (behind && at % mime::behindStep == 0) behind(at);
     }
+    message->requireAsOpened();
   };
 }
 

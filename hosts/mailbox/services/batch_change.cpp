@@ -154,6 +154,8 @@ void BatchChange::linkMessage() {
       if (!readBack || !change_.check(readBack->bytes()))
         throw failure("The new message is not the old one without what was saved");
     }
+    if (!change_.source->isAsOpened())
+      throw failure("Another program has changed the message's file meanwhile");
     const auto old = change_.folder->find(change_.unique);
     if (!old) return takeBack(), end(ChangeOutcome::vanished);
     old_ = *old;

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +14,10 @@ namespace {
 
 // Up to here reading is cheaper than mapping: no page faults, no change to the address space.
 constexpr std::int64_t largestRead = 128 << 10;
+
+std::int64_t nanoseconds(const timespec& time) {
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
 
 std::size_t readUpTo(int file, char* to, std::size_t size, const std::string& path) {
   std::size_t done = 0;
@@ -43,7 +46,7 @@ std::shared_ptr<MessageFile> MessageFile::open(const std::string& path) {
 
   std::shared_ptr<MessageFile> message{new MessageFile};
   message->file_ = std::move(file);
-  message->modified_ = std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
+  message->modified_ = nanoseconds(status.st_mtim);
   message->inode_ = status.st_ino;
   message->device_ = status.st_dev;
   const auto size = static_cast<std::size_t>(status.st_size);
@@ -53,28 +56,20 @@ std::shared_ptr<MessageFile> MessageFile::open(const std::string& path) {
                        readUpTo(message->descriptor(), message->read_.get(), size, path)};
     return message;
   }
-  message->mapped_ = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, message->descriptor(), 0);
-  if (message->mapped_ == MAP_FAILED) {
-    message->mapped_ = nullptr;
-    throw fromErrno(errno, "map the message", path);
-  }
-  ::madvise(message->mapped_, size, MADV_SEQUENTIAL);
-  message->bytes_ = {static_cast<const char*>(message->mapped_), size};
+  message->mapped_ = std::make_unique<const Mapping>(message->descriptor(), size, path);
+  message->bytes_ = message->mapped_->bytes();
   return message;
 }
 
-MessageFile::~MessageFile() {
-  if (mapped_ != nullptr) ::munmap(mapped_, bytes_.size());
+void MessageFile::forget(std::string_view range) const {
+  if (mapped_) mapped_->forget(range);
 }
 
-// Whole pages within the range only, so that neighbours stay.
-void MessageFile::forget(std::string_view range) const {
-  if (mapped_ == nullptr || range.empty()) return;
-  static const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  const auto offset = static_cast<std::size_t>(range.data() - bytes_.data());
-  const std::size_t begin = (offset + page - 1) / page * page;
-  const std::size_t end = (offset + range.size()) / page * page;
-  if (begin < end) ::madvise(static_cast<char*>(mapped_) + begin, end - begin, MADV_DONTNEED);
+bool MessageFile::isAsOpened() const {
+  if (mapped_ && !mapped_->isWhole()) return false;
+  struct stat status {};
+  return ::fstat(descriptor(), &status) == 0 && status.st_size == size() &&
+         nanoseconds(status.st_mtim) == modified_;
 }
 
 // A message that has no name left was rewritten or deleted while this process waited to open it.

@@ -1,5 +1,5 @@
 // MessageFile: one message, open for reading. Its bytes do not change while it is open: a Maildir message is
-// never written to, only renamed, moved and unlinked.
+// never written to, only renamed, moved and unlinked. Where a program breaks that rule, isAsOpened() tells.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "hosts/mailbox/services/descriptor.h"
+#include "hosts/mailbox/store/mapping.h"
 
 namespace quillfile::mailbox {
 
@@ -18,7 +19,6 @@ class MessageFile {
   // Opens `path`. Null when it is not there (another program moved or deleted it). Throws Failure for all
   // else.
   static std::shared_ptr<MessageFile> open(const std::string& path);
-  ~MessageFile();
   MessageFile(const MessageFile&) = delete;
   MessageFile& operator=(const MessageFile&) = delete;
 
@@ -27,6 +27,10 @@ class MessageFile {
   // The caller is done with these bytes for now: a mapped range leaves memory, and comes back when looked at
   // again.
   void forget(std::string_view range) const;
+
+  // Whether the bytes are still the file's: no other program has written to it or cut it short since it was
+  // opened, and every byte that was looked at could be read.
+  bool isAsOpened() const;
 
   // Takes the message for this process (flock): false when another process is handling it. Held until this
   // object goes. Where the file system has no locks the answer is true.
@@ -43,7 +47,7 @@ class MessageFile {
 
   Descriptor file_;
   std::unique_ptr<char[]> read_;
-  void* mapped_ = nullptr;
+  std::unique_ptr<const Mapping> mapped_;
   std::string_view bytes_;
   std::int64_t modified_ = 0;
   std::uint64_t inode_ = 0;

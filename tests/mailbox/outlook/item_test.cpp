@@ -162,5 +162,56 @@ TEST_F(OutlookItems, AMessageThatIsAllOneAttachmentBecomesItsNote) {
   EXPECT_EQ(tidied(toUtf8(item->body(BodyKind::plain))), "\r\n\r\nAttachment saved to <file://SAVED/a.pdf>");
 }
 
+// Another program breaks the rule that a message is never written to.
+class CutShort : public OutlookItems {
+ protected:
+  CutShort() {
+    auto large = withAttachment;
+    std::string encoded;
+    for (int i = 0; i < 10'000; ++i)
+      encoded += "QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVo0NTY3ODkwQUJDREVGR0hJSktM\n";
+    large.replace(large.find("aGVsbG8gd29ybGQ="), 16, encoded);
+    item = deliver(large);
+    size = item->size();
+  }
+  void cut() {
+    const auto location = item->folder()->find(item->unique());
+    std::filesystem::resize_file(item->folder()->filePath(*location), static_cast<std::uintmax_t>(size / 2));
+  }
+  void expectAsItWasCut() {
+    EXPECT_EQ(bytesOf(item).size(), static_cast<std::size_t>(size / 2));
+    EXPECT_EQ(told.changes, 0);
+    EXPECT_TRUE(std::filesystem::is_empty(root / "saved"));
+    EXPECT_FALSE(told.failed.empty());
+  }
+
+  std::shared_ptr<MailboxItem> item;
+  std::int64_t size = 0;
+};
+
+TEST_F(CutShort, BeforeAnAttachmentIsSavedNothingIs) {
+  const auto attachment = item->attachments()->item(1);
+  cut();
+  EXPECT_THROW(attachment->saveAsFile(fromUtf8((root / "saved" / "a.pdf").string())), Failure);
+  EXPECT_THROW(item->body(BodyKind::plain), Failure);
+  finish();
+  EXPECT_TRUE(std::filesystem::is_empty(root / "saved"));
+  EXPECT_EQ(bytesOf(item).size(), static_cast<std::size_t>(size / 2));
+}
+
+TEST_F(CutShort, BeforeTheEventEndsNothingIsNamedAndNothingChanged) {
+  ASSERT_EQ(strip(item, 1), Removal::removed);
+  cut();
+  finish();
+  expectAsItWasCut();
+}
+
+TEST_F(CutShort, WithNothingButANewNoteTheMessageStaysAsItIs) {
+  note(*item, u"file:///a", true);
+  cut();
+  finish();
+  expectAsItWasCut();
+}
+
 }  // namespace
 }  // namespace quillfile::mailbox
