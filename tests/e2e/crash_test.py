@@ -13,74 +13,14 @@ from collections import Counter
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
-from crash import kernel, power_cut, seeds  # noqa: E402
-from crash.mailbox import MANY, ONE, THREE, Mailbox, parts_of  # noqa: E402
+from crash import kernel, seeds  # noqa: E402
+from crash.mailbox import MANY, ONE, THREE, Mailbox  # noqa: E402
 from crash.program import Program, build_shim  # noqa: E402
+from crash.sweep import reference, sweep  # noqa: E402
 
 SKIP = 77
 SOURCE = Path(os.environ.get("SOURCE_DIR", Path(__file__).resolve().parents[2]))
 PROGRAM = Path(os.environ.get("QUILLFILE", SOURCE / "build/asan/apps/quillfile/quillfile"))
-
-# Which calls each fault is tried at. "torn", "short" and "flip" are faults of writes, "squat" of renames.
-FAULTS = {"kill": None, "eio": None, "enospc": None, "torn": "write", "short": "write", "flip": "write", "squat": "rename"}
-
-
-def held_by_path(mailbox) -> dict:
-    held, number = {}, {content: index for index, content in enumerate(mailbox.payloads)}
-    for path, content in mailbox.messages():
-        held[str(path)] = {number[part] for part in parts_of(content) if part in number}
-    for path, content in mailbox.files():
-        held[str(path)] = {number[content]} if content in number else set()
-    return held
-
-
-def reference(program, mailbox, executable=None):
-    """The run without a fault: its calls, and what a power cut would have broken."""
-    mailbox.reset()
-    start = held_by_path(mailbox)
-    status, errors = program.run(program=executable)
-    if status != 0:
-        return [], [f"the run without a fault ended with {status}: {errors}"]
-    calls = program.calls()
-    if not mailbox.rewritten:
-        mailbox.learn()
-    return calls, mailbox.not_converged() + power_cut.violations(calls, mailbox, held_by_path(mailbox), start)
-
-
-def try_fault(program, mailbox, call, fault, executable=None) -> list[str]:
-    """One run with a fault, and one without after it; what went wrong."""
-    mailbox.reset()
-    status, errors = program.run(call.number, fault, executable)
-    about = f"{fault} at call {call.number} ({call.name} {call.path} {call.second})"
-    if status not in (0, 1, 3, -9):
-        return [f"{about}: ended with {status}: {errors[-500:]}"]
-    wrong = [f"{about}: {what}" for what in mailbox.broken_promises()]
-    if fault == "squat" and call.second.startswith(str(mailbox.saved)):
-        if Path(call.second).read_bytes() != b"another's":
-            wrong.append(f"{about}: another program's file was replaced")
-    if fault == "short":
-        wrong += [f"{about}: {what}" for what in mailbox.not_converged()]
-    status, errors = program.run(program=executable)
-    if status != 0:
-        wrong.append(f"{about}: the next run ended with {status}: {errors[-500:]}")
-    return wrong + [f"{about}, next run: {what}" for what in mailbox.not_converged()]
-
-
-def sweep(program, mailbox, calls, executable=None, stop_at_first=False):
-    """Every call, every fault that fits it."""
-    tried, wrong = Counter(), []
-    for fault, name in FAULTS.items():
-        for call in calls:
-            if call.phase == "begin" or (name and call.name != name):
-                continue
-            if fault == "flip" and call.path.startswith(str(mailbox.settings)):
-                continue  # the settings are not read back: no attachment depends on them
-            tried[fault] += 1
-            wrong += try_fault(program, mailbox, call, fault, executable)
-            if wrong and stop_at_first:
-                return tried, wrong
-    return tried, wrong
-
 
 def seeded(program, one, folder) -> list[str]:
     mailbox = program.mailbox

@@ -10,6 +10,7 @@ int runDelete(const Options& options) {
   if (options.arguments.empty())
     throw WrongCommandLine{"delete needs the items to delete. `quillfile list` shows them."};
   const auto session = openSession(options);
+  session->cleanUp();
   const auto folder = chosenFolder(*session, options);
   const auto items = chosenItems(*session, folder, options.arguments);
   session->start();

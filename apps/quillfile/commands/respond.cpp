@@ -36,6 +36,7 @@ void respondFromWindows(mailbox::Session& session, const mailbox::Items& items, 
 
 int runRespond(const Options& options) {
   const auto session = openSession(options);
+  session->cleanUp();
   const auto folder = chosenFolder(*session, options);
   const auto items = chosenItems(*session, folder, options.arguments);
   session->start();

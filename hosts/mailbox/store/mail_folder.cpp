@@ -145,6 +145,8 @@ std::string MailFolder::create(const Content& content, std::string_view flags, s
   try {
     writeContent(file.get(), content, temporary);
     if (::fsync(file.get()) != 0) throw fromErrno(errno, "flush the message", temporary);
+    if (!holdsContent(file.get(), content, temporary))
+      throw failure("The new message does not read back as it was written: " + temporary);
     const std::string path = filePath({.fileName = maildirFileName(unique, flags)});
     if (const int error = renameWithoutReplacing({AT_FDCWD, temporary}, {AT_FDCWD, path}); error != 0)
       throw fromErrno(error, "create the message", path);

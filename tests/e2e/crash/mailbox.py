@@ -91,8 +91,22 @@ class Mailbox:
                     path = Path(folder, name)
                     yield path, path.read_bytes()
 
+    def everything(self) -> set:
+        """What must not get lost: the numbers of the attachments, and the messages."""
+        return set(range(len(self.attachments))) | {f"message {number}" for number in self.flags}
+
+    def held(self) -> dict:
+        """What of everything each path holds."""
+        number = {content: index for index, content in enumerate(self.payloads)}
+        held = {str(path): {number[content]} if content in number else set() for path, content in self.files()}
+        for path, content in self.messages():
+            held[str(path)] = {number[part] for part in parts_of(content) if part in number} | {f"message {number_of(content)}"}
+        return held
+
     def learn(self):
         """After the run without a fault: what each message looks like when its attachments are gone."""
+        if self.rewritten:
+            return
         for _, content in self.messages():
             self.rewritten[number_of(content)] = without_names(content)
 
@@ -139,6 +153,11 @@ class Mailbox:
                 wrong.append(f"{path.name} has other flags")
         held = {content for _, content in files}
         wrong += [f"attachment {index} is in no file" for index, content in enumerate(self.payloads) if content not in held]
+        return wrong + self.left_over()
+
+    def left_over(self) -> list[str]:
+        """Files of the program's own that nobody needs any more."""
+        wrong = []
         for folder, _, names in os.walk(self.root):
             hidden = [name for name in names if name.startswith(".quillfile") or name.startswith("quillfile,")]
             wrong += [f"left over: {name}" for name in hidden]
@@ -154,7 +173,7 @@ def without_names(content: bytes) -> bytes:
 
 def number_of(content: bytes) -> int:
     subject = email.message_from_bytes(content)["Subject"] or ""
-    return int(subject.rpartition(" ")[2]) if subject.startswith("Message ") else 0
+    return int(subject[8:]) if subject.startswith("Message ") else 0
 
 
 def parts_of(content: bytes) -> list[bytes]:

@@ -11,7 +11,7 @@ NOREPLACE = 1
 
 @dataclass
 class File:
-    holds: frozenset = frozenset()  # numbers of the attachments in it, once it is complete
+    holds: frozenset = frozenset()  # what of everything it holds, once it is complete
     durable: bool = True
 
 
@@ -48,7 +48,7 @@ def visible(path: str) -> bool:
 
 
 def violations(calls, mailbox, holds_at_end, holds_at_start) -> list[str]:
-    """Promises that a power cut at some call would have broken. `holds_…`: path -> numbers of the attachments."""
+    """Promises that a power cut at some call would have broken. `holds_…`: path -> what it holds."""
     disk, wrong = Disk(), []
     for path, held in holds_at_start.items():
         disk.add(path, File(frozenset(held)))
@@ -57,8 +57,8 @@ def violations(calls, mailbox, holds_at_end, holds_at_start) -> list[str]:
 
     def check(call):
         kept = {a for path, file in disk.certain.items() if file.durable and visible(path) for a in file.holds}
-        for attachment in sorted(set(range(len(mailbox.attachments))) - kept):
-            wrong.append(f"a power cut after call {call.number} ({call.name} {call.path}) loses attachment {attachment}")
+        for lost in sorted(map(str, mailbox.everything() - kept)):
+            wrong.append(f"a power cut after call {call.number} ({call.name} {call.path}) loses {lost}")
 
     for call in calls:
         if not call.path.startswith(inside) and call.name != "syncfs":

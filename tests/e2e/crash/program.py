@@ -19,13 +19,14 @@ class Call:
 
 
 class Program:
-    def __init__(self, program: Path, shim: Path, mailbox):
-        self.program, self.shim, self.mailbox = program, shim, mailbox
+    def __init__(self, program: Path, shim: Path, mailbox, *arguments: str):
+        self.program, self.shim, self.mailbox, self.arguments = program, shim, mailbox, arguments or ("save",)
         self.log = shim.parent / "calls.log"
 
     def command(self):
         box = self.mailbox
-        return [str(self.program), "--mail", str(box.mail), "--settings", str(box.settings), "--answer", "yes", "--quiet", "save"]
+        return [str(self.program), "--mail", str(box.mail), "--settings", str(box.settings), "--answer", "yes", "--quiet",
+                *self.arguments]
 
     def environment(self):
         home = str(self.mailbox.root / "home")

@@ -37,6 +37,14 @@ SEEDS = [
         ("to.name.c_str(), RENAME_NOREPLACE) == 0", "to.name.c_str(), 0) == 0"),
     ]),
 ]
+DRAFT_SEEDS = [
+    Seed("a draft that is not flushed", "hosts/mailbox/store/mail_folder.cpp", [
+        ("if (::fsync(file.get()) != 0)", "if (false)"),
+    ]),
+    Seed("a draft that is not read back", "hosts/mailbox/store/mail_folder.cpp", [
+        ("if (!holdsContent(file.get(), content, temporary))", "if (false)"),
+    ]),
+]
 
 
 def build(seed: Seed, source: Path, build_folder: Path, folder: Path) -> Path:
