@@ -41,11 +41,10 @@ Position findLastIgnoringCase(LetterCase& letters, TextView text, TextView wante
 
 Text replaceAllIgnoringCase(LetterCase& letters, TextView text, TextView wanted, TextView replacement) {
   if (wanted.empty()) return Text{text};
-  const Text lowered = letters.lower(text);
-  const Text sought = letters.lower(wanted);
   Text result;
   Position done = 1;
-  for (auto hit = quillfile::find(lowered, sought); hit > 0; hit = quillfile::find(lowered, sought, done)) {
+  const auto next = [&] { return findIgnoringCase(letters, text, wanted, done); };
+  for (auto hit = next(); hit > 0; hit = next()) {
     result.append(middle(text, done, hit - done)).append(replacement);
     done = hit + lengthOf(wanted);
   }

@@ -1,5 +1,6 @@
 #include "core/text/text.h"
 
+#include <array>
 #include <stdexcept>
 
 namespace quillfile {
@@ -12,12 +13,30 @@ Position lengthOf(TextView text) { return static_cast<Position>(text.size()); }
 bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
+// TextView::find for long texts: where the last unit of a window does not occur in what is wanted, the whole
+// window is passed over (Horspool 1980). Units count by their low byte, so that the table stays small.
+std::size_t search(TextView text, TextView wanted, std::size_t start) {
+  constexpr std::size_t worthIt = 4;
+  const std::size_t size = wanted.size();
+  if (size < worthIt || text.size() < size) return text.find(wanted, start);
+  std::array<std::size_t, 256> step;
+  step.fill(size);
+  for (std::size_t i = 0; i + 1 < size; ++i) step[wanted[i] & 0xFF] = size - 1 - i;
+  const char16_t last = wanted.back();
+  for (std::size_t at = start; at <= text.size() - size;) {
+    const char16_t unit = text[at + size - 1];
+    if (unit == last && text.compare(at, size, wanted) == 0) return at;
+    at += step[unit & 0xFF];
+  }
+  return TextView::npos;
+}
+
 }  // namespace
 
 Position find(TextView text, TextView wanted, Position start) {
   if (start < 1) throw std::out_of_range("find: a position starts at 1");
   if (start > lengthOf(text)) return 0;
-  const auto index = text.find(wanted, indexOf(start));
+  const auto index = search(text, wanted, indexOf(start));
   return index == TextView::npos ? 0 : positionOf(index);
 }
 
@@ -48,7 +67,7 @@ Text replaceAll(TextView text, TextView wanted, TextView replacement) {
   Text result;
   if (wanted.empty()) return Text{text};
   std::size_t done = 0;
-  for (auto hit = text.find(wanted); hit != TextView::npos; hit = text.find(wanted, done)) {
+  for (auto hit = search(text, wanted, 0); hit != TextView::npos; hit = search(text, wanted, done)) {
     result.append(text, done, hit - done).append(replacement);
     done = hit + wanted.size();
   }

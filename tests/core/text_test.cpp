@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace quillfile {
 namespace {
 
@@ -11,6 +13,23 @@ TEST(Text, PositionsStartAtOneAndZeroMeansNotFound) {
   EXPECT_EQ(find(u"a-b-c", u"x"), 0);
   EXPECT_EQ(find(u"abc", u"c", 4), 0);
   EXPECT_THROW(find(u"abc", u"c", 0), std::out_of_range);
+}
+
+TEST(Text, WhateverTheLengthsTheFirstOccurrenceIsFound) {
+  std::mt19937 random{3};
+  const TextView alphabet = u"ab\u0161\u0162";  // the low bytes are those of a and b
+  const auto text = [&](std::size_t length) {
+    Text made;
+    while (made.size() < length) made += alphabet[random() % (1 + random() % 4)];
+    return made;
+  };
+  for (int round = 0; round < 20'000; ++round) {
+    const Text in = text(random() % 60), wanted = text(1 + random() % 9);
+    const Position start = 1 + static_cast<Position>(random() % 10);
+    const auto index = in.find(wanted, static_cast<std::size_t>(start - 1));
+    ASSERT_EQ(find(in, wanted, start), index == Text::npos ? 0 : static_cast<Position>(index) + 1)
+        << toUtf8(in) << " " << toUtf8(wanted) << " " << start;
+  }
 }
 
 TEST(Text, TheLastOccurrenceIsFoundAtOrBeforeAPosition) {

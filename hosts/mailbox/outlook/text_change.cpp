@@ -18,15 +18,27 @@ struct Difference {
   TextView text;           // what the new one has there
 };
 
+// How many units the two have in common at their beginning, and at their end; whole blocks at first.
+constexpr std::size_t block = 1024;
+std::size_t commonFront(TextView a, TextView b, std::size_t most) {
+  std::size_t count = 0;
+  while (count + block <= most && a.compare(count, block, b, count, block) == 0) count += block;
+  while (count < most && a[count] == b[count]) ++count;
+  return count;
+}
+std::size_t commonBack(TextView a, TextView b, std::size_t most) {
+  std::size_t count = 0;
+  const auto blockOf = [&](TextView text) { return text.substr(text.size() - count - block, block); };
+  while (count + block <= most && blockOf(a) == blockOf(b)) count += block;
+  while (count < most && a[a.size() - 1 - count] == b[b.size() - 1 - count]) ++count;
+  return count;
+}
+
 Difference difference(TextView before, TextView after) {
   const auto shorter = std::min(before.size(), after.size());
-  auto front = static_cast<std::size_t>(
-      std::mismatch(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(shorter), after.begin())
-          .first -
-      before.begin());
+  std::size_t front = commonFront(before, after, shorter);
   while (front > 0 && (parts(before, front) || parts(after, front))) --front;
-  std::size_t back = 0;
-  while (back < shorter - front && before[before.size() - 1 - back] == after[after.size() - 1 - back]) ++back;
+  std::size_t back = commonBack(before, after, shorter - front);
   while (back > 0 && (parts(before, before.size() - back) || parts(after, after.size() - back))) --back;
   return {front, before.size() - back, after.substr(front, after.size() - back - front)};
 }

@@ -61,5 +61,17 @@ TEST(OutlookTextChange, HunksOfRandomChangesMakeTheCurrentText) {
   }
 }
 
+TEST(OutlookTextChange, AChangeInALongTextIsFoundAtEveryDistanceFromItsEnds) {
+  const Text filler(3000, u'x');
+  for (std::size_t at = 0; at <= filler.size(); at += 37) {
+    Text next = filler;
+    TextChange change{filler};
+    change.set(next.insert(at, u"note"));
+    ASSERT_EQ(appliedTo(change), next);
+    ASSERT_EQ(change.hunks().size(), 1u);
+    ASSERT_EQ(change.hunks()[0].replacement, u"note");
+  }
+}
+
 }  // namespace
 }  // namespace quillfile::mailbox

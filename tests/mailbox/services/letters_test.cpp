@@ -18,6 +18,19 @@ TEST(UnicodeLetters, LowerCaseKeepsEveryPosition) {
   }
 }
 
+TEST(UnicodeLetters, ALongTextIsLoweredAsItsUnitsAre) {
+  UnicodeLetters letters;
+  for (std::size_t at = 0; at < 200; ++at) {
+    Text text(200, u'A'), wanted(200, u'a');
+    text[at] = u'\u0416', wanted[at] = u'\u0436';
+    ASSERT_EQ(letters.lower(text), wanted) << at;
+    text[at] = u'[', wanted[at] = u'[';  // what follows the capitals
+    ASSERT_EQ(letters.lower(text), wanted) << at;
+    text[at] = u'@', wanted[at] = u'@';  // and what stands before them
+    ASSERT_EQ(letters.lower(text), wanted) << at;
+  }
+}
+
 TEST(UnicodeLetters, SearchesIgnoreCaseAndCountInTheTextItself) {
   UnicodeLetters letters;
   EXPECT_EQ(findIgnoringCase(letters, u"\u0130x FILE:///", u"file:///"), 4);
