@@ -1,5 +1,7 @@
 """The way back: restore, forward, reply and reply-all of messages that were stripped."""
+import random
 import unittest
+from email.message import EmailMessage
 
 from harness import Case, mail, main, parsed
 
@@ -182,6 +184,81 @@ class Responses(Case):
         self.assertDone(self.home.run("forward", "--open", "2"))
         subjects = sorted(parsed(p.read_bytes())["Subject"] for p in self.home.messages("Drafts"))
         self.assertEqual(subjects, ["FW: 0", "FW: 1", "FW: 1", "FW: 2"])
+
+
+class AnyPath(Case):
+    """Whatever a path holds, in whatever body: the file goes out with a forward and comes back with a restore."""
+
+    PIECES = ("%", "%20", "%41", "#", "<", ">", '"', "'", " ", "  ", "é", "日本", "😀", "\\", "\\par", "{", "}", ">}", "&", "&amp;",
+              "</p>", "</a>", "<Body>", "Attachment saved to ", "file:///", "\t", "~", "$HOME", "`", ";", ":", "?*|", "-", "a", "b.c")
+    FOLDER_PIECES = (*PIECES, "\n", "\r")
+    BODIES = {
+        "plain": ("plain", "7bit", "us-ascii"), "latin": ("plain", "8bit", "iso-8859-1"), "quoted": ("plain", "quoted-printable", "utf-8"),
+        "base64": ("plain", "base64", "utf-8"), "page": ("html", "7bit", "us-ascii"),
+        "quoted page": ("html", "quoted-printable", "iso-8859-1"), "base64 page": ("html", "base64", "utf-8"),
+        "rich": ("rtf", "7bit", "us-ascii"), "base64 rich": ("rtf", "base64", "us-ascii"),
+    }
+    TEXTS = {"plain": "Good day.\n" + "word " * 40 + "\n", "html": "<html><body><p>Good day.</p></body></html>\n",
+             "rtf": "{\\rtf1\\ansi Good day.\\par\n" + "word " * 40 + "}"}
+
+    def message(self, kind: str, names: list) -> tuple:
+        subtype, encoding, charset = self.BODIES[kind]
+        message = EmailMessage()
+        message["From"], message["To"], message["Subject"] = "ada@example.org", "ben@example.org", "Any path"
+        message["Date"] = "Wed, 04 Mar 2009 14:05:00 +0000"
+        message.set_content(self.TEXTS[subtype], subtype=subtype, charset=charset, cte=encoding)
+        for number, name in enumerate(names):
+            message.add_attachment(b"content %d" % number, maintype="application", subtype="octet-stream", filename=name)
+        return message
+
+    @staticmethod
+    def named_parts(content: bytes) -> list:
+        return sorted((str(part.get_filename()), part.get_payload(decode=True)) for part in parsed(content).walk() if part.get_filename())
+
+    def round_trip(self, kind: str, location: str, folder: str, names: list):
+        for box in ("", "Drafts"):
+            for path in self.home.messages(box):
+                path.unlink()
+        self.home.set(RemoveAttachment=1, AddURL=1, LinkLocation=location)
+        self.assertDone(self.home.run("settings", "set", "SavePath", f"{self.home.saved}/{folder}/"))
+        self.home.add(self.message(kind, names))
+        before = self.named_parts(self.home.message())
+        contents = sorted(content for _, content in before)
+        self.assertDone(self.home.run("save"))
+        self.assertEqual([name for name, _ in self.named_parts(self.home.message()) if name != "Paperclip.ico"], [])
+        self.assertDone(self.home.run("forward", "1"))
+        (draft,) = self.home.messages("Drafts")
+        self.assertEqual(sorted(content for _, content in self.named_parts(draft.read_bytes())), contents)
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertEqual(self.named_parts(self.home.message()), before)
+        for stands in (parsed(self.home.message()), parsed(draft.read_bytes())):
+            text = next(part for part in stands.walk() if part.get_content_maintype() == "text").get_payload(decode=True)
+            self.assertNotIn(b"file://", text)
+            self.assertIn(b"Good day.", text)
+
+    def test_generated_paths(self):
+        chance = random.Random(20091)
+        for round in range(3 * len(self.BODIES)):
+            kind, location = list(self.BODIES)[round % len(self.BODIES)], chance.choice(("Bottom", "Top"))
+            folder = "".join(chance.choices(self.FOLDER_PIECES, k=chance.randrange(1, 6))).strip()
+            names = ["".join(chance.choices(self.PIECES, k=chance.randrange(1, 6))) + ".bin" for _ in range(chance.randrange(1, 4))]
+            with self.subTest(kind=kind, location=location, folder=folder, names=names):
+                self.round_trip(kind, location, folder, names)
+
+    def test_very_long_paths(self):
+        for kind in ("plain", "quoted page", "rich"):
+            with self.subTest(kind):
+                self.round_trip(kind, "Bottom", "/".join(["d" * 200] * 12), ["x" * 250 + ".bin", "é" * 120 + ".bin"])
+
+    def test_a_blank_that_a_mail_program_escaped(self):
+        self.home.set(RemoveAttachment=1, AddURL=1)
+        self.home.add(self.message("plain", ["a b.bin"]))
+        self.assertDone(self.home.run("save"))
+        (path,) = self.home.messages()
+        path.write_bytes(path.read_bytes().replace(b"/a b.bin>", b"/a%20b.bin>"))
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertEqual([content for _, content in self.named_parts(self.home.message())], [b"content 0"])
+        self.assertNotIn(b"file://", self.home.message())
 
 
 if __name__ == "__main__":

@@ -27,7 +27,13 @@
 namespace quillfile::mailbox {
 namespace {
 
-constexpr PathRules paths = PathRules::posix();
+// A line end in a path would break its link in a note.
+constexpr PathRules hostPaths() {
+  auto rules = PathRules::posix();
+  rules.invalidInPath = u"#\\:*?<>|\"\r\n";
+  return rules;
+}
+constexpr PathRules paths = hostPaths();
 
 // The folder that holds Paperclip.ico: the program's own, or share/quillfile beside an installed program's
 // bin.

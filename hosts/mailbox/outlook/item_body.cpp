@@ -37,6 +37,7 @@ ItemBodies::Body& ItemBodies::body(BodyKind kind) {
   if (const auto known = bodies_.find(kind); known != bodies_.end()) return known->second;
   const auto at = part(kind);
   auto read = at == mime::noPart ? BodyText{} : bodyText(message_->tree(), at);
+  message_->requireAsOpened();
   return bodies_.emplace(kind, Body{TextChange{std::move(read.text)}, read.doubt}).first->second;
 }
 
@@ -45,12 +46,12 @@ Text ItemBodies::text(BodyKind kind) {
   if (made && format() == u"HTML") return htmlToText(withPlainNotes(text(BodyKind::html)));
   if (made && format() == u"RTF") return rtfToText(body(BodyKind::rtf).change.current());
   const Text& current = body(kind).change.current();
-  return kind == BodyKind::rtf ? rtfUnescaped(current) : current;
+  return kind == BodyKind::rtf ? withReadableLinks(rtfUnescaped(current)) : current;
 }
 
 void ItemBodies::set(BodyKind kind, TextView text) {
   auto& change = body(kind).change;
-  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), text) : Text{text});
+  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), withEscapedLinks(text)) : Text{text});
 }
 
 bool ItemBodies::changed() const {

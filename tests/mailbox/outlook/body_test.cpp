@@ -2,6 +2,7 @@
 // touched.
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/link_notes.h"
+#include "hosts/mailbox/outlook/plain_text.h"
 #include "hosts/mailbox/outlook/rtf_letters.h"
 #include "tests/mailbox/outlook/module_links.h"
 
@@ -219,6 +220,21 @@ TEST_F(OutlookAlternatives, ANoteInTheMiddleIsErasedWithTheLineEndsThatItBrought
   EXPECT_EQ(withoutNotes(u"Attachment saved to <file:///x>\r\n\r\nb", {u"file:///x"}), u"b");
   EXPECT_EQ(withoutNotes(u"a\r\n\r\nAttachment saved to <file:///x>", {u"file:///y"}),
             u"a\r\n\r\nAttachment saved to <file:///x>");
+}
+
+TEST(OutlookLinkNotes, ALinkWithBracesIsWrittenInRichTextSoThatItIsReadBack) {
+  const Text note = u"{\\rtf1 {x} Attachment saved to <file:///S/{a} b}.pdf>\\par}";
+  const auto written = withEscapedLinks(note);
+  EXPECT_EQ(written, u"{\\rtf1 {x} Attachment saved to <file:///S/\\{a\\} b\\}.pdf>\\par}");
+  EXPECT_EQ(withReadableLinks(written), note);
+  // A doubled backslash before a brace is a backslash of the path.
+  EXPECT_EQ(withReadableLinks(u"Attachment saved to <file:///C:\\\\{>"),
+            u"Attachment saved to <file:///C:\\\\{>");
+}
+
+TEST(OutlookLinkNotes, ALinkKeepsItsBlanksOnItsWayFromAPageToItsText) {
+  const Text page = u"<p>Attachment saved to <a href=\"file:///a  b\tc\">file:///a  b\tc</a></p>";
+  EXPECT_EQ(linksInPlainText(htmlToText(withPlainNotes(page))), linksInHtml(page));
 }
 
 }  // namespace
