@@ -27,7 +27,7 @@ TEST(Text, WhateverTheLengthsTheFirstOccurrenceIsFound) {
     const Text in = text(random() % 60), wanted = text(1 + random() % 9);
     const Position start = 1 + static_cast<Position>(random() % 10);
     const auto index = in.find(wanted, static_cast<std::size_t>(start - 1));
-    ASSERT_EQ(find(in, wanted, start), index == Text::npos ? 0 : static_cast<Position>(index) + 1)
+    ASSERT_EQ(quillfile::find(in, wanted, start), index == Text::npos ? 0 : static_cast<Position>(index) + 1)
         << toUtf8(in) << " " << toUtf8(wanted) << " " << start;
   }
 }

@@ -1,6 +1,7 @@
 #include "hosts/mailbox/outlook/text_change.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quillfile::mailbox {
 namespace {
@@ -20,16 +21,17 @@ struct Difference {
 
 // How many units the two have in common at their beginning, and at their end; whole blocks at first.
 constexpr std::size_t block = 1024;
+bool sameBlock(const char16_t* a, const char16_t* b) { return std::memcmp(a, b, block * sizeof *a) == 0; }
 std::size_t commonFront(TextView a, TextView b, std::size_t most) {
   std::size_t count = 0;
-  while (count + block <= most && a.compare(count, block, b, count, block) == 0) count += block;
+  while (count + block <= most && sameBlock(&a[count], &b[count])) count += block;
   while (count < most && a[count] == b[count]) ++count;
   return count;
 }
 std::size_t commonBack(TextView a, TextView b, std::size_t most) {
   std::size_t count = 0;
-  const auto blockOf = [&](TextView text) { return text.substr(text.size() - count - block, block); };
-  while (count + block <= most && blockOf(a) == blockOf(b)) count += block;
+  const auto blockOf = [&](TextView text) { return &text[text.size() - count - block]; };
+  while (count + block <= most && sameBlock(blockOf(a), blockOf(b))) count += block;
   while (count < most && a[a.size() - 1 - count] == b[b.size() - 1 - count]) ++count;
   return count;
 }

@@ -36,10 +36,13 @@ bool replaceLostPage(const void* address) {
 
 namespace {
 
-// What is not ours happens once more, and then to whoever had the signal before.
+// What is not ours happens once more, and then to whoever had the signal before: a fault by itself, as its
+// instruction is tried again.
 void onBusError(int, siginfo_t* info, void*) {
   const int error = errno;
-  if (!replaceLostPage(info->si_addr)) ::sigaction(SIGBUS, &before, nullptr);
+  const bool fault = info->si_code > 0;
+  if (!fault || !replaceLostPage(info->si_addr)) ::sigaction(SIGBUS, &before, nullptr);
+  if (!fault) ::raise(SIGBUS);
   errno = error;
 }
 
