@@ -46,12 +46,12 @@ Text ItemBodies::text(BodyKind kind) {
   if (made && format() == u"HTML") return htmlToText(withPlainNotes(text(BodyKind::html)));
   if (made && format() == u"RTF") return rtfToText(body(BodyKind::rtf).change.current());
   const Text& current = body(kind).change.current();
-  return kind == BodyKind::rtf ? withReadableLinks(rtfUnescaped(current)) : current;
+  return kind == BodyKind::rtf ? rtfUnescaped(current) : current;
 }
 
 void ItemBodies::set(BodyKind kind, TextView text) {
   auto& change = body(kind).change;
-  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), withEscapedLinks(text)) : Text{text});
+  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), text) : Text{text});
 }
 
 bool ItemBodies::changed() const {

@@ -28,39 +28,6 @@ Note nextNote(TextView text, std::size_t from) {
   return {begin, close + 1, text.substr(link, close - link)};
 }
 
-bool isBrace(char16_t unit) { return unit == u'{' || unit == u'}'; }
-
-Text escapedLink(TextView link) {
-  Text result;
-  for (const char16_t unit : link) {
-    if (isBrace(unit)) result += u'\\';
-    result += unit;
-  }
-  return result;
-}
-
-Text readableLink(TextView link) {
-  Text result;
-  for (std::size_t at = 0; at < link.size(); ++at) {
-    const bool escape = link[at] == u'\\' && at + 1 < link.size();
-    if (!escape || !isBrace(link[at + 1])) result += link[at];
-    if (escape) result += link[++at];
-  }
-  return result;
-}
-
-// `text` with the link of each note as `change` makes it.
-Text withLinks(TextView text, Text (*change)(TextView link)) {
-  Text result;
-  std::size_t kept = 0;
-  for (auto note = nextNote(text, 0); note.end != TextView::npos; note = nextNote(text, note.end)) {
-    const auto begin = note.end - 1 - note.link.size();
-    result.append(text.substr(kept, begin - kept)).append(change(note.link));
-    kept = note.end - 1;
-  }
-  return result.append(text.substr(kept));
-}
-
 using Count = std::map<TextView, std::size_t>;
 
 Count counted(const std::vector<Text>& links) {
@@ -193,10 +160,6 @@ Text withPlainNotes(TextView html) {
   }
   return result.append(html.substr(kept));
 }
-
-Text withEscapedLinks(TextView rtf) { return withLinks(rtf, escapedLink); }
-
-Text withReadableLinks(TextView rtf) { return withLinks(rtf, readableLink); }
 
 Text followHtml(TextView plain, TextView before, TextView after) {
   const auto had = linksInHtml(before), has = linksInHtml(after);

@@ -21,11 +21,6 @@ Text withoutNotes(TextView text, const std::vector<Text>& links);
 // With a note for each link, at the end or at the beginning.
 Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd);
 
-// Braces group in rich text: its notes' links as they must stand there, and as they are read back. The
-// backslashes in a link are the module's own affair: it doubles them.
-Text withEscapedLinks(TextView rtf);
-Text withReadableLinks(TextView rtf);
-
 // The plain text after its HTML went from `before` to `after`: a note that came into the HTML comes into the
 // text, one that went goes.
 Text followHtml(TextView plain, TextView before, TextView after);

@@ -222,16 +222,6 @@ TEST_F(OutlookAlternatives, ANoteInTheMiddleIsErasedWithTheLineEndsThatItBrought
             u"a\r\n\r\nAttachment saved to <file:///x>");
 }
 
-TEST(OutlookLinkNotes, ALinkWithBracesIsWrittenInRichTextSoThatItIsReadBack) {
-  const Text note = u"{\\rtf1 {x} Attachment saved to <file:///S/{a} b}.pdf>\\par}";
-  const auto written = withEscapedLinks(note);
-  EXPECT_EQ(written, u"{\\rtf1 {x} Attachment saved to <file:///S/\\{a\\} b\\}.pdf>\\par}");
-  EXPECT_EQ(withReadableLinks(written), note);
-  // A doubled backslash before a brace is a backslash of the path.
-  EXPECT_EQ(withReadableLinks(u"Attachment saved to <file:///C:\\\\{>"),
-            u"Attachment saved to <file:///C:\\\\{>");
-}
-
 TEST(OutlookLinkNotes, ALinkKeepsItsBlanksOnItsWayFromAPageToItsText) {
   const Text page = u"<p>Attachment saved to <a href=\"file:///a  b\tc\">file:///a  b\tc</a></p>";
   EXPECT_EQ(linksInPlainText(htmlToText(withPlainNotes(page))), linksInHtml(page));
