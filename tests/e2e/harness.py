@@ -110,10 +110,11 @@ class Home:
     def setting(self, key: str) -> str:
         return self.run("settings", "get", key).out.rstrip("\n")
 
-    def run(self, *arguments, stdin=subprocess.DEVNULL, environment=None, **options) -> Done:
+    def run(self, *arguments, stdin=subprocess.DEVNULL, environment=None, through=(), **options) -> Done:
+        """`through`: the words of a program that starts it."""
         return Done(
             subprocess.run(
-                [PROGRAM, *map(str, arguments)],
+                [*through, PROGRAM, *map(str, arguments)],
                 stdin=stdin,
                 stdout=subprocess.PIPE,
                 stderr=subprocess.PIPE,
