@@ -47,9 +47,9 @@ void show(const MessageContent& message, const std::string& folder, const std::s
               << " name=" << toUtf8(one.fileName) << " display=" << toUtf8(one.displayName)
               << " type=" << one.mimeType << " cid=" << one.contentId << "\n";
     if (one.message) show(*one.message, folder, indent + "  ");
-    if (folder.empty() || !one.data) continue;
+    if (folder.empty() || one.message) continue;
     std::ofstream file(folder + "/" + std::to_string(counter++), std::ios::binary);
-    one.data(sinkTo(file));
+    if (one.data) one.data(sinkTo(file));  // an empty one has none
   }
 }
 

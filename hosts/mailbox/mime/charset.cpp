@@ -97,6 +97,7 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open(3) says it so
   bool known() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
   // Converts as much of `in` as it can, taking it away, and appends to `out`. False when it stopped at a bad

@@ -21,7 +21,7 @@ struct Kinds {
     of[static_cast<int>('+')] = 62;
     of[static_cast<int>('/')] = 63;
     of[static_cast<int>('=')] = pad;
-    for (const char c : {'\r', '\n', ' ', '\t'}) of[static_cast<int>(c)] = blank;
+    for (const char c : {'\r', '\n', ' ', '\t'}) of[static_cast<unsigned char>(c)] = blank;
   }
 };
 constexpr Kinds kinds;

@@ -100,7 +100,7 @@ std::string encodedParameter(std::string_view name, TextView value, std::string_
 }
 
 std::string encodedAddress(const Address& address, std::string_view lineEnd) {
-  const auto bare = oneLine(address.address);
+  auto bare = oneLine(address.address);
   const auto name = oneLine(address.name);
   if (name.empty()) return bare;
   constexpr std::string_view specials = "()<>[]:;@\\,.\"";
