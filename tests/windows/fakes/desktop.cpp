@@ -68,7 +68,9 @@ void Desktop::watch() {
     HWND window = nullptr;
     EnumWindows(ofThisProcess, reinterpret_cast<LPARAM>(&window));
     if (window == nullptr) continue;
-    Sleep(20);  // it has just been made
+    SendMessageW(window, WM_NULL, 0, 0);              // answered once its thread waits for the user
+    if (GetWindowTextLengthW(window) == 0) continue;  // every window of the module's has a title
+    Sleep(20);
     handle(window);
     while (!stop_ && IsWindow(window) && IsWindowVisible(window)) Sleep(5);
   }

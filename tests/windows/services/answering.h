@@ -18,7 +18,8 @@ class Answering {
           for (int tries = 0; tries < 1000; ++tries, Sleep(10)) {
             const HWND window = FindWindowW(nullptr, wide(title));
             if (window == nullptr || !IsWindowVisible(window)) continue;
-            Sleep(30);  // it has just been made
+            SendMessageW(window, WM_NULL, 0, 0);  // answered once its thread waits for the user
+            Sleep(30);
             found_ = true;
             answer(window);
             return;
