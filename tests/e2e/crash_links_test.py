@@ -4,23 +4,18 @@ After each fault the messages and the saved files must be as they were or fully 
 show may be a half one; the same command without a fault must converge, and clear away what was left. Prints how many
 points there were. Then faults seeded into a copy of the code: each must be caught.
 """
-import os
-import shutil
 import sys
-import tempfile
 from collections import Counter
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 from crash import kernel, seeds  # noqa: E402
 from crash.mailbox import THREE  # noqa: E402
-from crash.program import Program, build_shim  # noqa: E402
+from crash.program import Program  # noqa: E402
+from crash.run import PROGRAM, WITH_SEEDS, missed, run  # noqa: E402
 from crash.stripped import Answered, Replied, Restored  # noqa: E402
 from crash.sweep import reference, sweep  # noqa: E402
 
-SKIP = 77
-SOURCE = Path(os.environ.get("SOURCE_DIR", Path(__file__).resolve().parents[2]))
-PROGRAM = Path(os.environ.get("QUILLFILE", SOURCE / "build/asan/apps/quillfile/quillfile"))
 COMMANDS = {"restore": Restored, "forward": Answered, "reply": Replied}
 
 
@@ -40,44 +35,22 @@ def swept(program, folder) -> list[str]:
     return [f"{name}: {what}" for what in wrong]
 
 
-def seeded(program, folder) -> list[str]:
-    missed = []
-    for seed in seeds.DRAFT_SEEDS:
-        executable = seeds.build(seed, SOURCE, PROGRAM.resolve().parents[2], folder)
-        calls, wrong = reference(program, program.mailbox, executable)
-        if not wrong:
-            _, wrong = sweep(program, program.mailbox, calls, executable, stop_at_first=True)
-        print(f"seeded: {seed.name}: {'caught: ' + wrong[0] if wrong else 'NOT CAUGHT'}", flush=True)
-        if not wrong:
-            missed.append(f"the seeded fault was not caught: {seed.name}")
-    return missed
+def find_wrong(shim, folder) -> list[str]:
+    wrong = []
+    for name, kind in COMMANDS.items():
+        mailbox = kind(folder / name, **THREE)
+        program = Program(PROGRAM, shim, mailbox, name, "1-3")
+        mailbox.prepare(Program(PROGRAM, shim, mailbox))
 
+        def with_fault(executable):
+            calls, found = reference(program, mailbox, executable)
+            return found or sweep(program, mailbox, calls, executable, stop_at_first=True)[1]
 
-def main() -> int:
-    if not PROGRAM.exists():
-        print(f"skipped: there is no program at {PROGRAM}")
-        return SKIP
-    memory = Path("/dev/shm")
-    folder = Path(tempfile.mkdtemp(prefix="quillfile-crash-", dir=memory if memory.is_dir() else None))
-    try:
-        shim = build_shim(SOURCE / "tests/tools/fault_shim.c", folder)
-        if shim is None:
-            print("skipped: there is no C compiler to build the shim with")
-            return SKIP
-        wrong = []
-        for name, kind in COMMANDS.items():
-            mailbox = kind(folder / name, **THREE)
-            program = Program(PROGRAM, shim, mailbox, name, "1-3")
-            mailbox.prepare(Program(PROGRAM, shim, mailbox))
-            wrong += swept(program, folder)
-            if name == "forward" and not wrong and "--no-seeds" not in sys.argv:
-                wrong += seeded(program, folder)
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
-    for what in wrong[:40]:
-        print("WRONG:", what)
-    return 1 if wrong else 0
+        wrong += swept(program, folder)
+        if name == "forward" and not wrong and WITH_SEEDS:
+            wrong += missed(seeds.DRAFT_SEEDS, folder, with_fault)
+    return wrong
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run(find_wrong))

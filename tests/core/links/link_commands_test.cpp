@@ -1,46 +1,7 @@
-#include "core/links/link_commands.h"
-
-#include "tests/core/links/link_texts.h"
-#include "tests/fakes/failure_sweep.h"
-#include "tests/fakes/fake_platform.h"
-#include "tests/fakes/transcript.h"
+#include "tests/core/links/link_command_room.h"
 
 namespace quillfile {
 namespace {
-
-// The commands as the module composes them, over a fake world.
-struct Commands {
-  explicit Commands(FakePlatform& world)
-      : application(world.application),
-        commands({world.services, world.log, world.letters, world.files, world.paths}, world.mailHelper,
-                 application) {}
-  Ref<Application> application;
-  LinkCommands commands;
-};
-
-class LinkCommand : public testing::TestWithParam<PathRules> {
- protected:
-  FakePlatform world{GetParam()};
-  Commands made{world};
-  LinkCommands& commands = made.commands;
-  LinkTexts text{GetParam()};
-
-  void addFiles(const std::vector<Text>& names) {
-    for (const auto& name : names) world.files.add(text.path(name));
-  }
-  static std::vector<Text> attachedTo(const FakeItem& item) {
-    std::vector<Text> names;
-    for (const auto& attachment : item.attached) names.push_back(attachment->fileName);
-    return names;
-  }
-  // The effects alone: everything but the trace.
-  std::vector<Text> effects() const {
-    std::vector<Text> lines;
-    for (const auto& line : world.record.lines())
-      if (!startsWith(line, u"trace ")) lines.push_back(line);
-    return lines;
-  }
-};
 
 INSTANTIATE_TEST_SUITE_P(Rules, LinkCommand, bothRules(), rulesName);
 
@@ -337,93 +298,6 @@ TEST_P(LinkCommand, AWrapperThatKeepsNothingOfWhatIsWrittenDoesNotHoldTheWalkFor
     EXPECT_TRUE(forgetful.ReplaceLinksWithAttachments(item));
     EXPECT_EQ(attachedTo(*item), (std::vector<Text>{u"a.pdf", u"b.pdf"}));
   }
-}
-
-// What a failing call leaves: the one transcript of every place where a call can fail.
-void arrangeRichText(FakePlatform& world) {
-  const LinkTexts text{world.paths};
-  world.files.add(text.path(u"a.pdf"));
-  world
-      .addItem({.subject = u"F",
-                .format = u"RTF",
-                .body = text.plainNote(u"a.pdf"),
-                .rtfBody = u"{" + text.rtfNote(u"a.pdf") + u"\\par}"})
-      ->attach({.fileName = u"p.ico", .displayName = u"Paperclip retained by Quillfile"});
-}
-
-Text forwardFirst(FakePlatform& world) {
-  Commands made{world};
-  const auto item = world.folder(DefaultFolder::inbox)->items.front();
-  return made.commands.ReplaceLinksWithAttachments(item) ? u"True" : u"False";
-}
-
-Text replyFirst(FakePlatform& world) {
-  Commands made{world};
-  const auto item = world.folder(DefaultFolder::inbox)->items.front();
-  return made.commands.JustEraseLinks(item) ? u"True" : u"False";
-}
-
-TEST_P(LinkCommand, EachFailingCallOfAForwardIsReportedWithItsStep) {
-  const auto runs = sweepFailures(GetParam(), arrangeRichText, forwardFirst);
-  const auto ended = [](TextView call, int step) {
-    return fill(
-        u"{}: False; error 0 Quillfile.ReplaceLinksWithAttachments: Error occurred at line {}.  "
-        u"Reason: {} failed",
-        call, step, call);
-  };
-  expectTranscript(runs,
-                   {
-                       ended(u"MailHelper.bodyFormat", 1),
-                       ended(u"Item.attachments", 2),
-                       ended(u"Attachments.count", 2),
-                       ended(u"Attachments.item", 2),
-                       ended(u"Attachment.displayName", 2),
-                       u"Attachment.fileName: True",
-                       ended(u"Attachment.remove", 2),
-                       u"Item.save: True",
-                       ended(u"MailHelper.wrap", 4),
-                       ended(u"SafeItem.body", 4),
-                       ended(u"Application.version", 5),
-                       u"Item.attachments: True; error 0 Quillfile.TestAttachmentLink: Error occurred.  "
-                       u"Reason: Item.attachments failed",
-                       u"Attachments.add: True; error 0 Quillfile.TestAttachmentLink: Error occurred.  "
-                       u"Reason: Attachments.add failed",
-                       ended(u"SafeItem.body", 8),
-                       ended(u"SafeItem.setBody", 8),
-                       ended(u"SafeItem.save", 8),
-                       u"Item.attachments: True",
-                       u"Attachments.count: True",
-                       ended(u"SafeItem.save", 9),
-                       u"Item.attachments: True",
-                       u"Attachments.count: True",
-                   });
-}
-
-TEST_P(LinkCommand, EachFailingCallOfAReplyIsReportedWithItsStep) {
-  const auto runs = sweepFailures(GetParam(), arrangeRichText, replyFirst);
-  const auto ended = [](TextView call, int step) {
-    return fill(u"{}: False; error 0 Quillfile.JustEraseLinks: Error occurred at line {}.  Reason: {} failed",
-                call, step, call);
-  };
-  expectTranscript(runs, {
-                             ended(u"MailHelper.bodyFormat", 1),
-                             u"Item.body: True",
-                             ended(u"MailHelper.wrap", 2),
-                             u"Item.save: True",
-                             ended(u"SafeItem.body", 3),
-                             ended(u"Application.version", 4),
-                             ended(u"SafeItem.body", 6),
-                             ended(u"SafeItem.setBody", 6),
-                             ended(u"SafeItem.save", 6),
-                         });
-}
-
-TEST_P(LinkCommand, WithoutAnApplicationACommandEndsInAReport) {
-  made.application = nullptr;
-  EXPECT_FALSE(commands.JustEraseLinks(world.addItem({.subject = u"R"})));
-  expectTranscript(world.record.lines(u"error "),
-                   {u"error 0 Quillfile.JustEraseLinks: Error occurred at line "
-                    u"4.  Reason: Object variable not set"});
 }
 
 }  // namespace
