@@ -1,18 +1,24 @@
 #include "hosts/mailbox/outlook/rtf_letters.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace quillfile::mailbox {
 namespace {
 
-// The character whose escape stands at the beginning of `rtf`; 0 where none does.
-char16_t escapedUnit(TextView rtf) {
-  constexpr std::size_t longest = TextView{u"\\u-32768?"}.size();
-  const auto escape = rtf.substr(0, std::min(longest, rtf.find(u'?') + 1));
-  if (escape.substr(0, 2) != u"\\u") return 0;
-  const auto unit = static_cast<char16_t>(std::atoi(toUtf8(escape.substr(2)).c_str()));
-  return unit >= 0x80 && rtfEscaped({&unit, 1}) == escape ? unit : 0;
+constexpr std::size_t mostFallback = 100;
+
+Text escapeOf(char16_t unit, std::size_t fallback) {
+  return fill(u"\\u{}", static_cast<std::int16_t>(unit)) +
+         (fallback == 0 ? Text{u" "} : Text(fallback, u'?'));
+}
+
+// The number behind a control word of `length` letters at the beginning of `rtf`; 0 where none is.
+int numberBehind(TextView rtf, std::size_t length) {
+  constexpr std::size_t longest = TextView{u"-32768"}.size();
+  return std::atoi(toUtf8(rtf.substr(length, longest)).c_str());
 }
 
 // Whether the text in front of `rest` and its first character are in a link.
@@ -27,6 +33,8 @@ class Steps {
   explicit Steps(TextView rtf) : rtf_(rtf) {}
   bool ended() const { return at_ == rtf_.size(); }
   std::size_t at() const { return at_; }
+  // The \uc that is in force here.
+  std::size_t fallback() const { return fallbacks_.back(); }
   // What the next step shows.
   TextView next() {
     const auto rest = rtf_.substr(at_);
@@ -35,10 +43,15 @@ class Steps {
       at_ += 2;
       return rest.substr(1, 1);
     }
-    if (rest[0] == u'\\' && (unit_ = escapedUnit(rest)) != 0) {
-      at_ += std::min(rest.find(u'?'), rest.size()) + 1;
-      return {&unit_, 1};
+    if (rest.starts_with(u"\\u")) {
+      unit_ = static_cast<char16_t>(numberBehind(rest, 2));
+      const auto escape = escapeOf(unit_, fallback());
+      if (unit_ >= 0x80 && rest.starts_with(escape)) {
+        at_ += escape.size();
+        return {&unit_, 1};
+      }
     }
+    heed(rest);
     const bool two = rest[0] == u'\\' || (rest[0] >= 0xD800 && rest[0] <= 0xDBFF);
     const auto shown = rest.substr(0, two ? 2 : 1);
     at_ += shown.size();
@@ -46,22 +59,34 @@ class Steps {
   }
 
  private:
+  // \uc holds until its group ends.
+  void heed(TextView rest) {
+    if (rest[0] == u'{') {
+      fallbacks_.push_back(fallbacks_.back());
+    } else if (rest[0] == u'}' && fallbacks_.size() > 1) {
+      fallbacks_.pop_back();
+    } else if (rest.starts_with(u"\\uc") && rest.substr(3, 1).find_first_of(u"-0123456789") == 0) {
+      fallbacks_.back() = static_cast<std::uint8_t>(std::clamp<int>(numberBehind(rest, 3), 0, mostFallback));
+    }
+  }
+
   TextView rtf_;
   std::size_t at_ = 0;
   char16_t unit_ = 0;
   bool inLink_ = false;
+  std::vector<std::uint8_t> fallbacks_{1};  // of the open groups
 };
 
 }  // namespace
 
-Text rtfEscaped(TextView text) {
+Text rtfEscaped(TextView text, std::size_t fallback) {
   Text result;
   bool inLink = false;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char16_t unit = text[at];
     inLink = staysInLink(inLink, text.substr(at));
     if (unit >= 0x80) {
-      result += fill(u"\\u{}?", static_cast<std::int16_t>(unit));
+      result += escapeOf(unit, fallback);
     } else {
       if (inLink && (unit == u'{' || unit == u'}')) result += u'\\';
       result += unit;
@@ -80,24 +105,27 @@ namespace {
 
 Text changedDocument(TextView rtf, TextView text) {
   const Text shown = rtfUnescaped(rtf);
-  Steps steps{rtf}, rest = steps;  // `rest` stands where the first difference is
-  std::size_t beginShown = 0;
+  Steps steps{rtf};
+  // Where the first difference begins, and the step that has it ends.
+  std::size_t begin = 0, beginShown = 0, endShown = 0, fallback = steps.fallback();
   while (!steps.ended()) {
     const auto step = steps.next();
+    endShown = beginShown + step.size();
     if (text.substr(beginShown, step.size()) != step) break;
-    rest = steps;
-    beginShown += step.size();
+    begin = steps.at();
+    beginShown = endShown;
+    fallback = steps.fallback();
   }
-  const auto begin = rest.at();
   const auto most = std::min(shown.size(), text.size()) - beginShown;
   const auto same = static_cast<std::size_t>(
       std::mismatch(shown.rbegin(), shown.rbegin() + static_cast<std::ptrdiff_t>(most), text.rbegin()).first -
       shown.rbegin());
-  std::size_t endShown = beginShown;
-  while (endShown < shown.size() - same) endShown += rest.next().size();
-  const auto behind = shown.size() - endShown;
-  return Text{rtf.substr(0, begin)} + rtfEscaped(text.substr(beginShown, text.size() - behind - beginShown)) +
-         Text{rtf.substr(rest.at())};
+  while (endShown < shown.size() - same) endShown += steps.next().size();
+  const bool inserted = beginShown == shown.size() - same;
+  const auto behind = shown.size() - (inserted ? beginShown : endShown);
+  return Text{rtf.substr(0, begin)} +
+         rtfEscaped(text.substr(beginShown, text.size() - behind - beginShown), fallback) +
+         Text{rtf.substr(inserted ? begin : steps.at())};
 }
 
 // The blanks and zeros behind the last brace, which are no part of the document.

@@ -1,5 +1,6 @@
 // Notes in bodies: written, found and erased again, in every encoding, format and place; nothing else is
 // touched.
+#include "hosts/mailbox/formats/rtf/rtf_document.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/link_notes.h"
 #include "hosts/mailbox/outlook/plain_text.h"
@@ -179,6 +180,35 @@ TEST(RtfLetters, AreWrittenAsControlWordsWhereTheTextChangesAndNowhereElse) {
   EXPECT_EQ(rtfChanged(rtf, u"x"), u"x");
   EXPECT_EQ(rtfChanged(rtf, u""), u"");
   EXPECT_EQ(rtfChanged(u"", u"\u00E9"), u"\\u233?");
+}
+
+struct FallbackRow {
+  const char* name;
+  TextView rtf, changed;  // with an e acute put in front of the last brace
+};
+
+// Seen by a reader of rich text there is nothing but the letter, whatever the document says that follows one.
+TEST(RtfLetters, AreFollowedByAsManySubstitutesAsTheDocumentAsksForThere) {
+  const FallbackRow rows[] = {
+      {"nothing is said", u"{\\rtf1 a}", u"{\\rtf1 a\\u233?}"},
+      {"none", u"{\\rtf1\\uc0 a}", u"{\\rtf1\\uc0 a\\u233 }"},
+      {"none, and one stands there", u"{\\rtf1\\uc0 \\u232 b}", u"{\\rtf1\\uc0 \\u232 b\\u233 }"},
+      {"two", u"{\\rtf1\\uc2 a}", u"{\\rtf1\\uc2 a\\u233??}"},
+      {"none in a group that has ended", u"{\\rtf1{\\uc0 a}}", u"{\\rtf1{\\uc0 a}\\u233?}"},
+      {"taken over by a group", u"{\\uc0{\\uc3}{a}}", u"{\\uc0{\\uc3}{a}\\u233 }"},
+      {"braces that are escaped", u"{\\uc0 \\}\\{\\}}", u"{\\uc0 \\}\\{\\}\\u233 }"},
+      {"a word that only begins so", u"{\\uc0\\ucx1 a}", u"{\\uc0\\ucx1 a\\u233 }"},
+      {"said after the place", u"{a{\\uc0}}", u"{a{\\uc0}\\u233?}"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const Text shown = rtfUnescaped(row.rtf);
+    const Text wanted = shown.substr(0, shown.size() - 1) + u"\u00E9}";
+    EXPECT_EQ(toUtf8(rtfChanged(row.rtf, wanted)), toUtf8(row.changed));
+    EXPECT_EQ(rtfUnescaped(row.changed), wanted);
+    EXPECT_EQ(formats::readRtf(row.changed).text, formats::readRtf(row.rtf).text + u"\u00E9");
+    EXPECT_EQ(rtfChanged(row.changed, shown), row.rtf);
+  }
 }
 
 class OutlookAlternatives : public OutlookLinks {};
