@@ -13,7 +13,7 @@ namespace quillfile::app {
 namespace {
 
 // The longest folder that all paths lie in, with its separator.
-std::string commonFolder(const std::vector<mailbox::SavedEntry>& saved) {
+std::string commonFolder(const std::deque<mailbox::SavedEntry>& saved) {
   std::string common = saved.front().path;
   for (const auto& entry : saved) {
     const auto end = std::mismatch(common.begin(), common.end(), entry.path.begin(), entry.path.end()).first;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -44,8 +45,8 @@ class RunReport : public BatchReports, public ClientReports {
 
   std::optional<std::string> message;  // the text of the last message box
   std::int32_t count = 0;              // the module's run counter
-  std::vector<SavedEntry> saved;
-  std::vector<ChangedEntry> items;  // rewritten or moved
+  std::deque<SavedEntry> saved;        // grows without being moved: a run over a whole store has many
+  std::vector<ChangedEntry> items;     // rewritten or moved
   std::vector<DraftEntry> drafts;
   std::vector<std::string> deletedFiles;
   std::vector<ErrorEntry> errors;

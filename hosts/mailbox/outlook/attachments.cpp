@@ -19,9 +19,9 @@ std::string bytesAt(Batch& batch, const std::string& path) {
 
 void MailboxAttachment::saveAsFile(TextView path) {
   const auto client = item_->client();
-  auto& changes = item_->changes_;
+  auto& changes = item_->changes();
   // Two processes never save from one message at once: the second would only add a file of the same content.
-  if (const auto& message = item_->message_; message && message->file() && !message->file()->lock())
+  if (const auto& message = item_->opened().message; message && message->file() && !message->file()->lock())
     throw failure("Another program is working on the message");
   auto file = client->setup().batch.files().save(toUtf8(path), source_->content());
   file->item = toUtf8(item_->entryId());
@@ -35,19 +35,19 @@ Removal MailboxAttachment::remove() {
   auto& sources = item.ownSources();
   const auto place = std::find(sources.begin(), sources.end(), source_);
   if (place == sources.end()) throw failure("The attachment is no longer part of the item");
-  const auto added = std::find_if(item.changes_.added.begin(), item.changes_.added.end(),
+  const auto added = std::find_if(item.changes().added.begin(), item.changes().added.end(),
                                   [&](const AddedAttachment& a) { return a.source == source_; });
-  if (added != item.changes_.added.end()) {
-    item.changes_.added.erase(added);
+  if (added != item.changes().added.end()) {
+    item.changes().added.erase(added);
   } else {
-    const auto saved = item.changes_.saved.find(source_.get());
-    const auto file = saved == item.changes_.saved.end() ? nullptr : saved->second;
+    const auto saved = item.changes().saved.find(source_.get());
+    const auto file = saved == item.changes().saved.end() ? nullptr : saved->second;
     if (auto reason = item.whyItStays(*source_, file.get()); !reason.empty()) {
       item.decline(reason);
       return Removal::declined;
     }
     item.touch();
-    item.changes_.taken.push_back({source_, file});
+    item.changes().taken.push_back({source_, file});
   }
   sources.erase(std::find(sources.begin(), sources.end(), source_));
   return Removal::removed;
@@ -70,15 +70,15 @@ void MailboxAttachments::add(const NewAttachment& attachment) {
   AddedAttachment added{
       fileSource(attachment.source, bytesAt(client->setup().batch, path), attachment.displayName), {}};
   item.touch();
-  const auto& gone = item.removedBefore_;
+  const auto& gone = item.removedBefore();
   const auto known = std::find_if(gone.begin(), gone.end(), [&](const RemovedPart& part) {
-    const bool taken = std::any_of(item.changes_.added.begin(), item.changes_.added.end(),
+    const bool taken = std::any_of(item.changes().added.begin(), item.changes().added.end(),
                                    [&](const AddedAttachment& other) { return other.was == part; });
     return part.path == path && !taken;
   });
   if (known != gone.end()) added.was = *known;
   sources.push_back(added.source);
-  item.changes_.added.push_back(std::move(added));
+  item.changes().added.push_back(std::move(added));
 }
 
 }  // namespace quillfile::mailbox

@@ -129,7 +129,7 @@ void MailClient::endOfEvent() {
   setup_.batch.eventEnded();
   for (const auto& item : std::exchange(newItems_, {})) {
     item->underWay_ = false;
-    if (item->changes_.save && !item->changes_.remove) telling(*item, [&] { storeDraft(*item); });
+    if (item->changes().save && !item->changes().remove) telling(*item, [&] { storeDraft(*item); });
   }
   for (const auto& item : std::exchange(displayed_, {}))
     if (!item->isNew()) setup_.reports.onDisplayed(*item);
@@ -138,14 +138,15 @@ void MailClient::endOfEvent() {
 // Whether the item's bodies or attachments are to be written. What was changed and never saved is not, as
 // when a window is closed.
 bool MailClient::changesDisk(MailboxItem& item) const {
-  const auto& changes = item.changes_;
+  const auto& changes = item.changes();
   const bool goes = changes.remove && item.folder_->role() == FolderRole::deleted;
-  return changes.save && !goes && (changes.touchesParts() || (item.bodies_ && item.bodies_->changed()));
+  return changes.save && !goes &&
+         (changes.touchesParts() || (item.opened().bodies && item.opened().bodies->changed()));
 }
 
 // One change for all that the event made of the item.
 void MailClient::handOver(MailboxItem& item) {
-  auto& changes = item.changes_;
+  auto& changes = item.changes();
   const bool rewrites = changesDisk(item);
   if (!rewrites && !changes.unRead && !changes.remove) return;
   MessageChange change;
@@ -154,7 +155,7 @@ void MailClient::handOver(MailboxItem& item) {
   if (rewrites) {
     change.source = item.message()->file();
     if (!change.source->lock()) throw failure("Another program is working on the message");
-    auto made = rewrite(item.message(), item.bodies(), changes, item.removedBefore_);
+    auto made = rewrite(item.message(), item.bodies(), changes, item.removedBefore());
     change.content = std::move(made.content);
     change.check = std::move(made.check);
     change.removed = std::move(made.removed);
@@ -179,7 +180,7 @@ void MailClient::handOver(MailboxItem& item) {
 void MailClient::storeDraft(MailboxItem& item) {
   const auto drafts = setup_.store.need(FolderRole::drafts);
   commit();  // what the draft carries may be a file that is still on its way
-  const auto made = rewrite(item.message(), item.bodies(), item.changes_, item.removedBefore_);
+  const auto made = rewrite(item.message(), item.bodies(), item.changes(), item.removedBefore());
   item.unique_ = drafts->create(made.content, "D", ownUniqueName(drafts->path()));
   item.folder_ = drafts;
   item.forget();

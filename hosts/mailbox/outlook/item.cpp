@@ -19,8 +19,10 @@ MailboxItem::MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<MailF
 
 MailboxItem::MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<const Message> message,
                          std::vector<AddedAttachment> carried, std::vector<RemovedPart> removedBefore)
-    : client_(std::move(client)), message_(std::move(message)), removedBefore_(std::move(removedBefore)) {
-  changes_.added = std::move(carried);
+    : client_(std::move(client)) {
+  opened().message = std::move(message);
+  opened().removedBefore = std::move(removedBefore);
+  changes().added = std::move(carried);
 }
 
 std::shared_ptr<MailClient> MailboxItem::client() const {
@@ -30,27 +32,30 @@ std::shared_ptr<MailClient> MailboxItem::client() const {
 
 std::shared_ptr<const Message> MailboxItem::message() {
   if (handedOver_) readAnew();
-  if (message_) return message_;
+  if (opened().message) return opened().message;
   auto file = folder_->open(unique_);
   if (!file && !uniqueBefore_.empty()) file = folder_->open(unique_ = uniqueBefore_);
   if (!file) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
-  message_ = withContainersOpened(std::make_shared<const Message>(std::move(file)));
-  removedBefore_ = removedParts(message_->header());
+  opened().message = withContainersOpened(std::make_shared<const Message>(std::move(file)));
+  opened().removedBefore = removedParts(opened().message->header());
   client()->underWay(shared_from_this());
-  return message_;
+  return opened().message;
 }
 
 ItemBodies& MailboxItem::bodies() {
-  if (!bodies_) bodies_.emplace(message());
-  return *bodies_;
+  const auto message = this->message();
+  if (!opened().bodies) opened().bodies.emplace(message);
+  return *opened().bodies;
 }
 
 AttachmentSources& MailboxItem::ownSources() {
-  if (!sources_) {
-    sources_ = attachmentsOf(message());
-    for (const auto& added : changes_.added) sources_->push_back(added.source);
+  const auto message = this->message();
+  if (!opened().sources) {
+    auto sources = attachmentsOf(message);
+    for (const auto& added : changes().added) sources.push_back(added.source);
+    opened().sources = std::move(sources);
   }
-  return *sources_;
+  return *opened().sources;
 }
 
 const AttachmentSources& MailboxItem::sources() { return ownSources(); }
@@ -75,7 +80,7 @@ mime::Address MailboxItem::sender() {
 }
 
 bool MailboxItem::unRead() {
-  if (changes_.unRead) return *changes_.unRead;
+  if (changes().unRead) return *changes().unRead;
   if (isNew()) return false;
   const auto location = folder_->find(unique_);
   if (!location) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
@@ -85,7 +90,7 @@ bool MailboxItem::unRead() {
 void MailboxItem::setUnRead(bool unRead) {
   if (isNew() || unRead == this->unRead()) return;
   touch();
-  changes_.unRead = unRead;
+  changes().unRead = unRead;
 }
 
 Ref<Attachments> MailboxItem::attachments() {
@@ -112,13 +117,13 @@ void MailboxItem::save() {
 
 void MailboxItem::saveQuietly() {
   touch();
-  changes_.save = true;
+  changes().save = true;
   if (isNew() && provisionalId_.empty()) provisionalId_ = client()->provisionalId();
 }
 
 void MailboxItem::remove() {
   touch();
-  changes_.remove = true;
+  changes().remove = true;
 }
 
 void MailboxItem::display() {
@@ -156,13 +161,6 @@ void MailboxItem::readAnew() {
   forget();
 }
 
-void MailboxItem::forget() {
-  message_.reset();
-  bodies_.reset();
-  sources_.reset();
-  changes_ = {};
-}
-
 Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* file) {
   const bool ownIcon = source.displayName() == u"Paperclip retained by Quillfile";
   if (file == nullptr && !ownIcon) return u"it has not been saved";
@@ -179,8 +177,8 @@ Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* fi
 }
 
 void MailboxItem::decline(const Text& reason) {
-  if (changes_.declineTold) return;
-  changes_.declineTold = true;
+  if (changes().declineTold) return;
+  changes().declineTold = true;
   client()->setup().reports.onRemovalDeclined(*this, reason);
 }
 

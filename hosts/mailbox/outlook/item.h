@@ -67,7 +67,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   const std::string& unique() const { return unique_; }
   bool isNew() const { return folder_ == nullptr; }
   std::shared_ptr<const Message> message();  // opens it; throws Failure when it cannot be read or is gone
-  const std::vector<RemovedPart>& removedBefore() { return message(), removedBefore_; }
+  const std::vector<RemovedPart>& removedBefore() { return message(), opened().removedBefore; }
   const AttachmentSources& sources();  // as they are now: removed ones left out, added ones last
   MailClient& clientOf() const { return *client(); }
 
@@ -76,13 +76,24 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   friend class MailboxAttachment;
   friend class MailboxAttachments;
 
+  // What was read of the message, and what it is to become.
+  struct Opened {
+    std::shared_ptr<const Message> message;
+    std::optional<ItemBodies> bodies;
+    std::optional<AttachmentSources> sources;
+    std::vector<RemovedPart> removedBefore;
+    ItemChanges changes;
+  };
+
+  Opened& opened() { return *(opened_ ? opened_ : opened_ = std::make_unique<Opened>()); }
+  ItemChanges& changes() { return opened().changes; }
   std::shared_ptr<MailClient> client() const;  // throws Failure when it has gone
   ItemBodies& bodies();
   AttachmentSources& ownSources();
   // Something is about to change: what went to the batch before must be on disk, and is read anew.
   void touch();
   void readAnew();
-  void forget();  // whatever was read and changed
+  void forget() { opened_.reset(); }
   // Why the attachment must stay in the message, a sentence; empty when it may go. `file` is what it was
   // saved to.
   Text whyItStays(const AttachmentSource& source, const SavedFile* file);
@@ -92,15 +103,11 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   std::shared_ptr<MailFolder> folder_;
   std::string unique_;
   std::string provisionalId_;  // of a new item that was saved
-  std::shared_ptr<const Message> message_;
   Listeners<ItemEvents> listeners_;
-  std::optional<ItemBodies> bodies_;
-  std::optional<AttachmentSources> sources_;
-  std::vector<RemovedPart> removedBefore_;
-  ItemChanges changes_;
-  bool underWay_ = false;     // the client knows that this event has to do with it
-  bool handedOver_ = false;   // its changes are the batch's; it is read anew when it is to change again
-  std::string uniqueBefore_;  // its name before they were handed over
+  std::unique_ptr<Opened> opened_;  // null in most items of a large selection
+  bool underWay_ = false;           // the client knows that this event has to do with it
+  bool handedOver_ = false;         // its changes are the batch's; it is read anew when it is to change again
+  std::string uniqueBefore_;        // its name before they were handed over
 };
 
 }  // namespace quillfile::mailbox

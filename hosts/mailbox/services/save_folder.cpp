@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <charconv>
 #include <memory>
-#include <vector>
 
 #include "hosts/mailbox/services/failure.h"
 
@@ -26,13 +25,13 @@ struct CloseDirectory {
   void operator()(DIR* directory) const { ::closedir(directory); }
 };
 
-std::vector<std::string> namesIn(int directory, const std::string& path) {
+// Calls `use` with each name in the folder, however many there are.
+template <class Use>
+void forEachName(int directory, const std::string& path, Use use) {
   const int own = ::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const std::unique_ptr<DIR, CloseDirectory> stream{own < 0 ? nullptr : ::fdopendir(own)};
   if (!stream) throw fromErrno(errno, "read the folder", path);
-  std::vector<std::string> names;
-  while (const dirent* entry = ::readdir(stream.get())) names.emplace_back(entry->d_name);
-  return names;
+  while (const dirent* entry = ::readdir(stream.get())) use(entry->d_name);
 }
 
 std::int64_t changeTime(const struct stat& status) {
@@ -84,7 +83,7 @@ void SaveFolder::refresh() {
   if (listed_ && changeTime(status) == changed_) return;
   names_.clear();
   nextNumber_.clear();
-  for (std::string& name : namesIn(descriptor(), path_)) names_.insert(std::move(name));
+  forEachName(descriptor(), path_, [&](const char* name) { names_.insert(name); });
   changed_ = changeTime(status);
   listed_ = true;
 }
@@ -99,15 +98,16 @@ bool SaveFolder::taken(const std::string& name) {
 
 std::string SaveFolder::takeFreeName(const std::string& base, const std::string& extension) {
   refresh();
-  std::int64_t& next = nextNumber_[base + "/" + extension];
-  while (true) {
+  const std::string key = base + "/" + extension;
+  const auto known = nextNumber_.find(key);
+  for (std::int64_t next = known == nextNumber_.end() ? 0 : known->second;; ++next) {
     std::string ending = next > 0 ? "-" + std::to_string(next) : "";
     ending += extension;
     if (ending.size() >= NAME_MAX) throw fromErrno(ENAMETOOLONG, "name a file in", path_);
     std::string name = cutUtf8(base, NAME_MAX - ending.size()) + ending;
-    ++next;
     if (taken(name)) continue;
     take(name);
+    if (next > 0) nextNumber_.insert_or_assign(key, next + 1);  // most names are never asked for twice
     return name;
   }
 }
@@ -129,8 +129,9 @@ void SaveFolder::unlock() {
 // maker went on without the lock, and lives.
 void SaveFolder::sweep() {
   if (!idle()) return;
-  for (const std::string& name : namesIn(descriptor(), path_))
-    if (isTemporaryName(name) && !makerLives(name)) ::unlinkat(descriptor(), name.c_str(), 0);
+  forEachName(descriptor(), path_, [&](const char* name) {
+    if (isTemporaryName(name) && !makerLives(name)) ::unlinkat(descriptor(), name, 0);
+  });
 }
 
 void SaveFolder::noteOwnChange(const std::string& appeared) {
