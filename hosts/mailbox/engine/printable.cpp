@@ -10,22 +10,27 @@ bool obeyed(char16_t unit) {
   return control || direction || unit == 0x2028 || unit == 0x2029;
 }
 
+char16_t harmless(char16_t unit) {
+  if (unit == u'\n' || unit == u'\r' || unit == u'\t') return u' ';
+  return obeyed(unit) ? u'\xFFFD' : unit;
+}
+
 }  // namespace
 
 std::string printable(TextView text) {
   Text shown{text};
-  for (char16_t& unit : shown) {
-    if (unit == u'\n' || unit == u'\r' || unit == u'\t') unit = u' ';
-    if (obeyed(unit)) unit = 0xFFFD;
-  }
+  for (char16_t& unit : shown) unit = harmless(unit);
   return toUtf8(shown);
 }
 
 std::string printableLines(TextView text) {
-  std::string lines;
-  for (const Text& line : split(replaceAll(text, u"\r\n", u"\n"), u'\n')) lines += printable(line) + '\n';
-  lines.pop_back();
-  return lines;
+  Text shown;
+  shown.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.substr(i, 2) == u"\r\n") continue;
+    shown += text[i] == u'\n' ? u'\n' : harmless(text[i]);
+  }
+  return toUtf8(shown);
 }
 
 }  // namespace quillfile::mailbox
