@@ -21,8 +21,9 @@ class Recorder {
   }
   // The same for ports that report failure by their result: true when this call is to fail.
   bool refuses(TextView call) {
+    const std::int32_t times = ++callsByName_[Text{call}];
     const bool fails = ++calls_ == failAt_ || (!failing_.empty() && failing_.contains(Text{call})) ||
-                       (call == failOnceIn_ && ++callsOfOne_ == failOnceAt_);
+                       (call == failOnceIn_ && times == failOnceAt_);
     if (fails) {
       failedCall_ = call;
       did(fill(u"{} fails", call));
@@ -38,7 +39,10 @@ class Recorder {
   void failOn(TextView call) { failOn(call, {5, fill(u"{} failed", call)}); }
   void failOn(TextView call, Failure failure) { failing_.insert_or_assign(Text{call}, std::move(failure)); }
   // From now on: the n-th call of this name fails, and no other.
-  void failOnce(TextView call, std::int32_t n) { failOnceIn_ = call, failOnceAt_ = n, callsOfOne_ = 0; }
+  void failOnce(TextView call, std::int32_t n) {
+    failOnceIn_ = call;
+    failOnceAt_ = callsByName_[failOnceIn_] + n;
+  }
   void failNoMore() { failAt(0), failing_.clear(); }
 
   const std::vector<Text>& lines() const { return lines_; }
@@ -50,6 +54,8 @@ class Recorder {
     return found;
   }
   void clear() { lines_.clear(); }
+  // How often each call was made since the beginning, whether it failed or not.
+  const std::map<Text, std::int32_t>& calls() const { return callsByName_; }
   const Text& failedCall() const { return failedCall_; }  // empty: none failed since failAt()
 
  private:
@@ -62,8 +68,9 @@ class Recorder {
   std::map<Text, Failure> failing_;
   std::int32_t calls_ = 0;
   std::int32_t failAt_ = 0;
+  std::map<Text, std::int32_t> callsByName_;
   Text failOnceIn_;
-  std::int32_t failOnceAt_ = 0, callsOfOne_ = 0;
+  std::int32_t failOnceAt_ = 0;
   Text failedCall_;
 };
 

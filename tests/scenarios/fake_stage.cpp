@@ -153,6 +153,7 @@ Outcome playOnCore(const Scenario& scenario, const PathRules& rules, const Text&
     outcome.items = stage.itemsNow();
   }
   outcome.lines = world.record.lines();
+  outcome.calls = world.record.calls();
   outcome.files = filesBelow(world.files, saveFolder);
   for (const auto& key : settingsWritten) outcome.settings.emplace_back(key, world.settings.get(key));
   return outcome;

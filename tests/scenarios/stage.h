@@ -2,6 +2,7 @@
 // Every host has one; what happened there is its outcome.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -67,6 +68,7 @@ struct Outcome {
   std::vector<Text> files;                                     // in the save folder: see described()
   std::vector<Text> items;                                     // "Invoices, unread: Paperclip.ico, b.xls"
   std::vector<std::pair<Text, std::optional<Text>>> settings;  // those that the module writes itself
+  std::map<Text, std::int32_t> calls;                          // of the fakes' ports: how often each was made
 };
 
 // "CEButtonAction gives 1", a line of every stage's transcript.

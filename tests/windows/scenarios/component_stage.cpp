@@ -85,6 +85,7 @@ Outcome playOnComponent(const Scenario& scenario, const Failing& failing, bool w
     outcome.items = stage.itemsNow();
   }
   outcome.lines = inCommon(fakes.record.lines(), installed, fakes.installationFolder());
+  outcome.calls = fakes.record.calls();
   listFiles(path, u"", outcome.files);
   std::sort(outcome.files.begin(), outcome.files.end());
   for (const auto& key : settingsWritten) outcome.settings.emplace_back(key, world.setting(key));

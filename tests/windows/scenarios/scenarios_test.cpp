@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 
 #include "tests/fakes/transcript.h"
 #include "tests/windows/scenarios/component_stage.h"
@@ -23,6 +24,79 @@ void expectSame(const BothOutcomes& both) {
 
 std::string nameOf(const testing::TestParamInfo<Scenario>& info) { return info.param.name; }
 
+// The calls that the component makes through COM, by the ports behind the objects. Each fails in the sweeps.
+// (EngineServices.expandPath has a test of its own.)
+constexpr TextView comCalls[] = {u"AddressEntry.type",
+                                 u"Application.activeExplorer",
+                                 u"Application.nameSpace",
+                                 u"Application.version",
+                                 u"Attachment.displayName",
+                                 u"Attachment.fileName",
+                                 u"Attachment.remove",
+                                 u"Attachment.saveAsFile",
+                                 u"Attachment.size",
+                                 u"Attachment.type",
+                                 u"Attachment.typeName",
+                                 u"Attachments.add",
+                                 u"Attachments.count",
+                                 u"Attachments.item",
+                                 u"EngineServices.languageStrings",
+                                 u"EngineServices.prepareForm",
+                                 u"EngineServices.prepareModuleCollection",
+                                 u"EngineServices.settingsApplicationName",
+                                 u"EngineUtilities.cleanFileName",
+                                 u"EngineUtilities.createFolderPath",
+                                 u"EngineUtilities.deleteFile",
+                                 u"EngineUtilities.discardSavedFile",
+                                 u"EngineUtilities.fileExists",
+                                 u"EngineUtilities.matchText",
+                                 u"Explorer.currentFolder",
+                                 u"Explorer.listen",
+                                 u"Explorer.selection",
+                                 u"Folder.entryId",
+                                 u"Folder.item",
+                                 u"Folder.itemCount",
+                                 u"Folder.name",
+                                 u"Folder.storeId",
+                                 u"Inspector.currentItem",
+                                 u"Item.attachments",
+                                 u"Item.body",
+                                 u"Item.display",
+                                 u"Item.entryId",
+                                 u"Item.listen",
+                                 u"Item.receivedTime",
+                                 u"Item.remove",
+                                 u"Item.respond",
+                                 u"Item.save",
+                                 u"Item.setUnRead",
+                                 u"Item.subject",
+                                 u"Item.typeName",
+                                 u"Item.unRead",
+                                 u"MailHelper.bodyFormat",
+                                 u"MailHelper.cleanUp",
+                                 u"MailHelper.smtpAddress",
+                                 u"MailHelper.wrap",
+                                 u"ModuleHost.addButton",
+                                 u"ModuleHost.application",
+                                 u"ModuleHost.findFolder",
+                                 u"ModuleHost.folderPath",
+                                 u"ModuleHost.registerHotkey",
+                                 u"ModuleHost.removeButton",
+                                 u"ModuleHost.unregisterHotkey",
+                                 u"ModuleHost.watchFolder",
+                                 u"ModuleHost.watchMonitoredFolders",
+                                 u"NameSpace.defaultFolder",
+                                 u"SafeItem.body",
+                                 u"SafeItem.save",
+                                 u"SafeItem.saveAs",
+                                 u"SafeItem.sender",
+                                 u"SafeItem.senderEmailAddress",
+                                 u"SafeItem.senderName",
+                                 u"SafeItem.setBody",
+                                 u"SafeItem.subject",
+                                 u"Selection.count",
+                                 u"Selection.item"};
+
 class EveryScenario : public testing::TestWithParam<Scenario> {};
 
 TEST_P(EveryScenario, IsTheSameOnTheComponentAsOnTheCore) {
@@ -30,6 +104,12 @@ TEST_P(EveryScenario, IsTheSameOnTheComponentAsOnTheCore) {
   const auto both = playOnBoth(GetParam());
   expectSame(both);
   EXPECT_FALSE(both.core.lines.empty());
+  for (const auto& [call, times] : both.component.calls) {
+    const bool known =
+        call == u"EngineServices.expandPath" ||
+        std::find(std::begin(comCalls), std::end(comCalls), TextView{call}) != std::end(comCalls);
+    EXPECT_TRUE(known) << toUtf8(call) << " never fails in the sweeps";
+  }
   EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
 }
 
@@ -72,107 +152,88 @@ TEST(WithoutTheLibrarysFormats, SavingAMailEndsInTheErrorTrapAndTheAttachmentsAr
   EXPECT_EQ(std::count(component.lines.begin(), component.lines.end(), u"Invoices/a.pdf: remove"), 1);
 }
 
-// The calls of the ports that reach the component through COM.
-constexpr TextView comCalls[] = {u"Application.activeExplorer",
-                                 u"Application.nameSpace",
-                                 u"AddressEntry.type",
-                                 u"Attachment.displayName",
-                                 u"Attachment.fileName",
-                                 u"Attachment.remove",
-                                 u"Attachment.saveAsFile",
-                                 u"Attachment.size",
-                                 u"Attachment.type",
-                                 u"Attachment.typeName",
-                                 u"Attachments.add",
-                                 u"Attachments.count",
-                                 u"Attachments.item",
-                                 u"EngineUtilities.cleanFileName",
-                                 u"EngineUtilities.createFolderPath",
-                                 u"EngineUtilities.matchText",
-                                 u"Explorer.currentFolder",
-                                 u"Explorer.listen",
-                                 u"Explorer.selection",
-                                 u"EngineServices.languageStrings",
-                                 u"EngineServices.prepareForm",
-                                 u"EngineUtilities.deleteFile",
-                                 u"Folder.entryId",
-                                 u"Folder.item",
-                                 u"Folder.itemCount",
-                                 u"Folder.name",
-                                 u"Inspector.currentItem",
-                                 u"Item.display",
-                                 u"Item.entryId",
-                                 u"Item.listen",
-                                 u"Item.respond",
-                                 u"Application.version",
-                                 u"Folder.storeId",
-                                 u"Item.attachments",
-                                 u"Item.body",
-                                 u"Item.receivedTime",
-                                 u"Item.save",
-                                 u"Item.setUnRead",
-                                 u"Item.subject",
-                                 u"Item.typeName",
-                                 u"Item.unRead",
-                                 u"MailHelper.bodyFormat",
-                                 u"MailHelper.cleanUp",
-                                 u"MailHelper.smtpAddress",
-                                 u"MailHelper.wrap",
-                                 u"ModuleHost.addButton",
-                                 u"ModuleHost.application",
-                                 u"ModuleHost.folderPath",
-                                 u"ModuleHost.registerHotkey",
-                                 u"ModuleHost.watchFolder",
-                                 u"ModuleHost.watchMonitoredFolders",
-                                 u"NameSpace.defaultFolder",
-                                 u"SafeItem.attachments",
-                                 u"SafeItem.body",
-                                 u"SafeItem.save",
-                                 u"SafeItem.saveAs",
-                                 u"SafeItem.senderEmailAddress",
-                                 u"SafeItem.senderName",
-                                 u"SafeItem.setBody",
-                                 u"Selection.count",
-                                 u"Selection.item"};
-
 std::string callName(const testing::TestParamInfo<TextView>& info) {
   return toUtf8(replaceAll(info.param, u".", u"_"));
+}
+
+// How often a scenario makes a call where none fails, on the side that makes it more often. A failure of a
+// later one would change nothing: such a play is the plain one again, and is left out of the sweeps.
+std::int32_t timesMade(const Text& call, const Scenario& scenario) {
+  static std::map<std::string, std::map<Text, std::int32_t>> known;
+  const auto [found, isNew] = known.try_emplace(scenario.name);
+  auto& times = found->second;
+  if (isNew) {
+    const auto both = playOnBoth(scenario);
+    times = both.core.calls;
+    for (const auto& [name, made] : both.component.calls) times[name] = std::max(times[name], made);
+  }
+  return times[call];
+}
+
+bool failed(const BothOutcomes& both, const Text& call) {
+  const Text line = fill(u"{} fails", call);
+  const auto has = [&](const std::vector<Text>& lines) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  };
+  return has(both.component.lines) && has(both.core.lines);
 }
 
 class EveryFailure : public testing::TestWithParam<TextView> {};
 
 TEST_P(EveryFailure, IsReportedByTheComponentAsByTheCore) {
   const long before = liveObjects;
+  const Text call{GetParam()};
+  bool made = false;
   for (const auto& scenario :
        named({"text", "html", "exchange_sender_filter", "mail_saved_too", "folders_of_the_client",
               "refreshed_button_and_hotkey", "hotkey", "html_answered_from_a_slot",
-              "rtf_answered_from_the_explorer", "text_answered_from_the_explorer", "deleted_yes_to_all"})) {
+              "rtf_answered_from_the_explorer", "text_answered_from_the_explorer", "deleted_yes_to_all",
+              "subject_filter", "sender_filter_by_address", "attachment_name_filter",
+              "attachment_size_filter", "renamed_by_every_keyword", "item_removed",
+              "new_item_into_the_clients_folders", "sent_item_with_deletion"})) {
+    if (timesMade(call, scenario) == 0) continue;
+    made = true;
     SCOPED_TRACE(scenario.name);
-    expectSame(playOnBoth(scenario, {.call = Text{GetParam()}}));
+    const auto both = playOnBoth(scenario, {.call = call});
+    expectSame(both);
+    EXPECT_TRUE(failed(both, call));
   }
+  EXPECT_TRUE(made) << "a call that no scenario makes";
   EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, EveryFailure, testing::ValuesIn(comCalls), callName);
 
+// Without its path the module saves into the folder that is current, and there the disk is not as the fakes'
+// is.
+TEST(ASavePathThatCannotBeExpanded, IsReportedByTheComponentAsByTheCore) {
+  const auto reported = [](const Outcome& outcome) {
+    std::vector<Text> lines;
+    for (const auto& line : outcome.lines) {
+      if (startsWith(line, u"error ") || line.find(u" gives ") != Text::npos) lines.push_back(line);
+    }
+    return lines;
+  };
+  const auto both = playOnBoth(scenarioNamed("text"), {.call = u"EngineServices.expandPath"});
+  for (const wchar_t* file : {L"a.pdf", L"b.xls"}) DeleteFileW(file);
+  EXPECT_TRUE(failed(both, u"EngineServices.expandPath"));
+  expectTranscript(reported(both.component), reported(both.core));
+}
+
 // The sweep: the first call of that name fails, then the second alone, and so on until none is left.
 class EachFailureInTurn : public testing::TestWithParam<TextView> {};
 
-bool failed(const Outcome& outcome, TextView call) {
-  return std::find(outcome.lines.begin(), outcome.lines.end(), fill(u"{} fails", call)) !=
-         outcome.lines.end();
-}
-
 TEST_P(EachFailureInTurn, IsReportedByTheComponentAsByTheCore) {
   const long before = liveObjects;
+  const Text call{GetParam()};
   for (const auto& scenario : named({"new_html_item", "new_item_into_the_clients_folders",
                                      "sent_item_with_removal", "html_answered_from_a_slot",
                                      "rtf_answered_from_the_explorer", "refreshed_button_and_hotkey"})) {
-    for (std::int32_t nth = 1;; ++nth) {
+    for (std::int32_t nth = 1; nth <= timesMade(call, scenario); ++nth) {
       SCOPED_TRACE(scenario.name + ", call " + std::to_string(nth));
-      const auto both = playOnBoth(scenario, {.call = Text{GetParam()}, .nth = nth});
+      const auto both = playOnBoth(scenario, {.call = call, .nth = nth});
       expectSame(both);
-      if (!failed(both.core, GetParam()) || HasFailure()) break;
+      EXPECT_TRUE(failed(both, call));
     }
   }
   EXPECT_EQ(liveObjects, before) << "objects that the module still holds";
