@@ -138,6 +138,7 @@ BodyText bodyText(const mime::PartTree& tree, mime::PartIndex part) {
 
 std::optional<std::vector<Splice>> bodySplices(const mime::PartTree& tree, mime::PartIndex part,
                                                const TextChange& change) {
+  if (tree.body(part).empty()) return std::nullopt;
   const auto decoded = decodedPart(tree, part);
   const bool canonical = tree[part].encoding == mime::Encoding::base64;
   const auto inBytes =

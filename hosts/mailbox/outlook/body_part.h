@@ -20,7 +20,8 @@ struct BodyText {
 BodyText bodyText(const mime::PartTree& tree, mime::PartIndex part);
 
 // The splices that turn the part's text into `change.current()`, in its own charset and transfer encoding.
-// None when the new text does not fit them, so that the whole part must be written anew.
+// None when the new text does not fit them, so that the whole part must be written anew; nor for a body
+// without a byte, whose line ends may be those of the header before it and of the boundary line behind it.
 std::optional<std::vector<Splice>> bodySplices(const mime::PartTree& tree, mime::PartIndex part,
                                                const TextChange& change);
 

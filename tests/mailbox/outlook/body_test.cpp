@@ -213,6 +213,12 @@ TEST(RtfLetters, AreFollowedByAsManySubstitutesAsTheDocumentAsksForThere) {
 
 class OutlookAlternatives : public OutlookLinks {};
 
+std::string withCrLf(std::string_view text) {
+  std::string result;
+  for (const char c : text) result.append(c == '\n' ? "\r\n" : std::string(1, c));
+  return result;
+}
+
 const std::string alternative =
     "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n\n"
     "--m\nContent-Type: multipart/alternative; boundary=a\n\n"
@@ -231,6 +237,47 @@ TEST_F(OutlookAlternatives, ThePlainTextGetsTheNoteToo) {
             "--a\nContent-Type: text/plain\n\nHello\n\n\nAttachment saved to <file://SAVED/a.pdf>\n"
             "--a\nContent-Type: text/html; charset=utf-8\n\n<html><body>Hello<p>Attachment saved to "
             "<a href=\"file://SAVED/a.pdf\">file://SAVED/a.pdf</a></p></Body></html>\n\n--a--\n\n--m--\n");
+}
+
+struct EmptyBody {
+  std::string name, header;  // the header as it stands before the boundary line
+  bool crlf;
+};
+const EmptyBody emptyBodies[] = {
+    {"the blank line is the boundary line's line end too", "Content-Type: text/plain\n\n", false},
+    {"the same with CR LF", "Content-Type: text/plain\n\n", true},
+    {"no blank line", "Content-Type: text/plain\n", false},
+    {"quoted-printable", "Content-Transfer-Encoding: quoted-printable\n\n", false},
+    {"base64", "Content-Transfer-Encoding: base64\n\n", false},
+};
+
+TEST_F(OutlookAlternatives, ANoteInAnEmptyBodyStaysApartFromItsHeaderAndTheBoundaryLine) {
+  for (const auto& empty : emptyBodies) {
+    for (const bool atEnd : {true, false}) {
+      SCOPED_TRACE(empty.name + (atEnd ? ", at the end" : ", at the top"));
+      const std::string message =
+          "From: a@b.c\nSubject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n\n"
+          "--m\nContent-Type: multipart/alternative; boundary=a\n\n--a\n" +
+          empty.header +
+          "--a\nContent-Type: text/html\n\n<Body>x</Body>\n--a--\n"
+          "--m\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: "
+          "base64\n\nYQ==\n--m--\n";
+      const auto item = deliver(empty.crlf ? withCrLf(message) : message);
+      ASSERT_EQ(strip(item, 1, atEnd), Removal::removed);
+      finish();
+      const auto link = fromUtf8("file://" + (root / "saved/a.pdf").string());
+      EXPECT_EQ(linksInPlainText(item->body(BodyKind::plain)), std::vector{link}) << bytesOf(item);
+      EXPECT_EQ(linksInHtml(item->body(BodyKind::html)), std::vector{link}) << bytesOf(item);
+      EXPECT_EQ(item->body(BodyKind::plain).find(u"--a"), Text::npos) << bytesOf(item);
+
+      EXPECT_TRUE(restore(item));
+      finish();
+      EXPECT_EQ(item->attachments()->count(), 1);
+      EXPECT_EQ(item->body(BodyKind::plain), u"");
+      EXPECT_EQ(item->body(BodyKind::html), u"<Body>x</Body>");
+      EXPECT_EQ(told.failed, std::vector<std::string>{});
+    }
+  }
 }
 
 TEST_F(OutlookAlternatives, ThePlainTextLosesTheNoteWithTheHtml) {
