@@ -28,12 +28,33 @@ constexpr NamedEncoding encodings[] = {
     {"x-uue", Encoding::uuencode},
 };
 
+// A field's value without its comments (RFC 5322 3.2.2).
+std::string withoutComments(std::string_view value) {
+  std::string result;
+  int depth = 0;
+  for (std::size_t at = 0; at < value.size(); ++at) {
+    const char c = value[at];
+    if (depth > 0 && c == '\\') {
+      ++at;
+    } else if (c == '(') {
+      ++depth;
+    } else if (depth == 0) {
+      result += c;
+    } else if (c == ')') {
+      --depth;
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 Encoding encodingNamed(std::string_view value) {
-  const auto word = trimmed(value.substr(0, value.find_first_of("(;")));
+  const auto all = withoutComments(value);
+  const auto word = trimmed(std::string_view{all}.substr(0, all.find(';')));
+  const bool quoted = word.size() >= 2 && word.front() == '"' && word.back() == '"';
   for (const auto& known : encodings) {
-    if (equalWords(known.name, word)) return known.encoding;
+    if (equalWords(known.name, quoted ? word.substr(1, word.size() - 2) : word)) return known.encoding;
   }
   return Encoding::unknown;
 }

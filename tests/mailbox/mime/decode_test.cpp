@@ -212,6 +212,8 @@ TEST(Encode, WritesQuotedPrintableThatIsReadBack) {
 TEST(Encodings, AreNamedInAnyCaseAndWithComments) {
   EXPECT_EQ(encodingNamed("BASE64"), Encoding::base64);
   EXPECT_EQ(encodingNamed(" Quoted-Printable (really)"), Encoding::quoted_printable);
+  EXPECT_EQ(encodingNamed("(a \\) comment (in one)) base64"), Encoding::base64);
+  EXPECT_EQ(encodingNamed("\"base64\""), Encoding::base64);
   EXPECT_EQ(encodingNamed(""), Encoding::identity);
   EXPECT_EQ(encodingNamed("x-uue"), Encoding::uuencode);
   EXPECT_EQ(encodingNamed("x-yenc"), Encoding::unknown);
