@@ -32,11 +32,27 @@ constexpr Armour armours[] = {
     {"-----BEGIN PGP MESSAGE-----", Protection::encrypted},
 };
 
+// What a pkcs7-mime part says of itself when it is no encryption (RFC 8551 3.2.2).
+constexpr std::string_view signedKinds[] = {"signed-data", "signed-receipt", "certs-only"};
+
 Protection ofType(const ContentType& type) {
+  const auto kind = lowerCase(type.parameters.bytes("smime-type").value_or(""));
   for (const auto& known : types) {
-    if (type.is(known.type)) return known.protection;
+    if (!type.is(known.type)) continue;
+    const bool isSigned =
+        std::find(std::begin(signedKinds), std::end(signedKinds), kind) != std::end(signedKinds);
+    return isSigned ? Protection::is_signed : known.protection;
   }
   return Protection::none;
+}
+
+// Gateways that do not know the types leave the name as the only mark (RFC 8551 3.9).
+Protection ofName(const ContentType& type, const Header& header) {
+  if (!type.is("application/octet-stream")) return Protection::none;
+  const auto name = lowerCase(toUtf8(givenName(header)));
+  return name.ends_with(".p7m")   ? Protection::encrypted
+         : name.ends_with(".p7s") ? Protection::is_signed
+                                  : Protection::none;
 }
 
 Protection ofText(const PartTree& tree, PartIndex part) {
@@ -56,6 +72,7 @@ Protection protection(const PartTree& tree) {
   for (PartIndex part = 0; part < tree.size() && found == Protection::none; ++part) {
     const auto type = tree.type(part);
     found = ofType(type);
+    if (found == Protection::none) found = ofName(type, tree.header(part));
     const bool isText = type.type == "text" && tree[part].kind == PartKind::leaf;
     if (found == Protection::none && isText) found = ofText(tree, part);
   }
