@@ -186,6 +186,7 @@ void SavedFiles::abandon(SavedFile& file) {
   if (file.state != SavedFile::State::waiting) return;
   file.state = SavedFile::State::abandoned;
   ::unlinkat(file.folder->descriptor(), file.temporary.c_str(), 0);
+  file.file.reset();  // while it is open, it takes its room on the disk
   file.folder->noteOwnChange();
   file.temporary.clear();
   file.folder->giveBack(file.name());

@@ -43,6 +43,23 @@ TEST_F(SavedFilesTest, ALinkThatWaitsUnderTheNameIsNotFollowed) {
   EXPECT_EQ(readFile(outside), "mine");
 }
 
+std::ptrdiff_t openFiles() { return std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {}); }
+
+TEST_F(SavedFilesTest, AFileThatCannotBeWrittenGivesItsRoomOnTheDiskBackAtOnce) {
+  Batch batch{reports};
+  batch.files().save(saved + "/a.pdf", bytes("abc"));
+  const auto before = openFiles();
+  const auto fails = [](const Sink& sink) {
+    sink("half of it");
+    throw Failure{28, u"the disk is full"};
+  };
+  EXPECT_THROW(batch.files().save(saved + "/b.pdf", fails), Failure);
+  EXPECT_EQ(openFiles(), before);
+  batch.commit();
+  EXPECT_EQ(readFile(saved + "/a.pdf"), "abc");
+  EXPECT_FALSE(std::filesystem::exists(saved + "/b.pdf"));
+}
+
 TEST_F(SavedFilesTest, AReplacedFileIsThereUntilTheNewOneTakesItsPlace) {
   writeFile(saved + "/a.pdf", "old");
   Batch batch{reports};
