@@ -116,6 +116,15 @@ void addGeneral(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "quillfile " QUILLFILE_VERSION);
 }
 
+// The parser's own word for a missing command does not tell it from one that does not exist.
+std::string reason(const CLI::App& app, const CLI::ParseError& error) {
+  if (!app.get_subcommands().empty()) return error.what();
+  for (const auto& word : app.remaining())
+    if (!word.starts_with('-')) return "There is no command " + word + ".";
+  return app.remaining().empty() && error.get_name() == "RequiredError" ? "A command is missing."
+                                                                        : error.what();
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int argc, char** argv, int& status) {
@@ -137,7 +146,7 @@ std::optional<Options> parseOptions(int argc, char** argv, int& status) {
     status = done;
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
-    std::cerr << "quillfile: " << error.what()
+    std::cerr << "quillfile: " << reason(app, error)
               << "\nRun `quillfile --help` to see the commands and options.\n";
     status = wrong_command_line;
     return std::nullopt;

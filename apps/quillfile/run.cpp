@@ -98,6 +98,10 @@ std::unique_ptr<mailbox::Session> openSession(const Options& options) {
 
 std::shared_ptr<mailbox::MailFolder> folderNamed(mailbox::Session& session, const std::string& name) {
   if (auto folder = session.store().folder(name)) return folder;
+  std::vector<std::shared_ptr<mailbox::MailFolder>> called;
+  for (const auto& folder : session.store().folders())
+    if (folder->name() == name) called.push_back(folder);
+  if (called.size() == 1) return called[0];
   throw WrongCommandLine{"There is no folder " + name + ". `quillfile folders` shows what there is."};
 }
 

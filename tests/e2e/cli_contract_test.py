@@ -44,6 +44,19 @@ class ExitStatus(Case):
                 self.assertEqual(done.out, "")
                 self.assertLessEqual(len(done.err.splitlines()), 2, done)
 
+    def test_a_command_that_is_none_is_told_from_a_missing_one(self):
+        self.assertIn("There is no command frobnicate.", self.home.run("frobnicate").err)
+        self.assertIn("A command is missing.", self.home.run().err)
+        self.assertIn("--nonsense", self.home.run("--nonsense", "list").err)
+
+    def test_a_folder_is_found_by_its_own_name_when_no_other_has_it(self):
+        self.home.set()
+        self.home.add(mail(subject="In 2026"), folder="Projects/2026")
+        for folder in ("Projects/2026", "2026"):
+            self.assertIn("In 2026", self.home.run("list", "--folder", folder).out)
+        self.home.folder("Other/2026")
+        self.assertEqual(self.home.run("list", "--folder", "2026").status, 2)
+
     def test_a_store_or_settings_that_cannot_be_used_are_3(self):
         missing = self.home.run("--mail", "/nonexistent", "list")
         self.assertEqual(missing.status, 3)
