@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hosts/mailbox/mime/charset.h"
+#include "hosts/mailbox/mime/clean_name.h"
 #include "hosts/mailbox/mime/decoding.h"
 #include "hosts/mailbox/mime/encoded_word.h"
 
@@ -30,6 +31,18 @@ class Reader {
     const auto found = trimmed(rest_.substr(0, length));
     rest_.remove_prefix(length);
     return found;
+  }
+  // A value without quotes. What stands in brackets is a comment at its end, but a part of a name like
+  // a(1).pdf.
+  std::string bare() {
+    skipBlanks();
+    const auto whole = trimmed(rest_.substr(0, rest_.find(';')));
+    const auto behind = rest_.substr(std::min(rest_.find(';'), rest_.size()));
+    const auto value = word(";(");
+    skipBlanks();
+    if (rest_.empty() || rest_[0] == ';') return std::string{value};
+    rest_ = behind;
+    return std::string{whole};
   }
   std::string quoted() {
     std::string text;
@@ -100,7 +113,7 @@ Parameters::Parameters(std::string_view list) {
     if (!reader.take(';')) continue;
     const auto name = lowerCase(trimmed(reader.word("=;(")));
     if (!reader.take('=')) continue;
-    auto value = reader.take('"') ? reader.quoted() : std::string{reader.word(";(")};
+    auto value = reader.take('"') ? reader.quoted() : reader.bare();
     if (!name.empty()) all_.push_back({name, std::move(value)});
   }
 }
@@ -181,9 +194,10 @@ Disposition disposition(const Header& header) {
 }
 
 Text givenName(const Header& header) {
-  const auto fileName = disposition(header).parameters.text("filename");
-  if (fileName && !fileName->empty()) return *fileName;
-  return contentType(header).parameters.text("name").value_or(Text{});
+  auto fileName = disposition(header).parameters.text("filename").value_or(Text{});
+  if (!cleanName(fileName).empty()) return fileName;
+  auto name = contentType(header).parameters.text("name").value_or(Text{});
+  return name.empty() ? fileName : name;
 }
 
 }  // namespace quillfile::mime

@@ -51,15 +51,23 @@ std::optional<EncodedWord> takeWord(std::string_view& value) {
   return std::nullopt;
 }
 
+// A charset that is known has nothing to doubt in no bytes.
+void noteUnknown(std::string_view charset, Doubt& doubt) {
+  Doubt unknown;
+  fromCharset({}, charset, &unknown);
+  if (!unknown.empty()) doubt = unknown;
+}
+
 }  // namespace
 
-Text decodeWords(std::string_view value) {
+Text decodeWords(std::string_view value, Doubt* doubt) {
   Text result;
   std::string charset;
   std::string bytes;  // of neighbouring words in one charset, which may cut a character in two
   bool afterWord = false;
   const auto finish = [&] {
     result += fromCharset(bytes, charset);
+    if (doubt && !bytes.empty()) noteUnknown(charset, *doubt);
     bytes.clear();
   };
   while (const auto word = takeWord(value)) {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/text/text.h"
+#include "hosts/mailbox/mime/range.h"
 
 namespace quillfile::mime {
 
@@ -12,6 +13,8 @@ namespace quillfile::mime {
 // a word glued to other text, missing padding. What is no encoded word stays; raw 8-bit bytes are made out
 // with guess().
 //   decodeWords("=?utf-8?Q?Hello_?= =?utf-8?B?d29ybGQ=?=") == u"Hello world"
-Text decodeWords(std::string_view value);
+// A word in a charset that nobody knows keeps its bytes, each as the Latin-1 character of its number, and is
+// noted in `doubt`, which may be null.
+Text decodeWords(std::string_view value, Doubt* doubt = nullptr);
 
 }  // namespace quillfile::mime

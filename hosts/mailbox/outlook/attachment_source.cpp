@@ -9,6 +9,9 @@
 
 #include "hosts/mailbox/mime/clean_name.h"
 #include "hosts/mailbox/mime/decode.h"
+#include "hosts/mailbox/mime/embedded.h"
+#include "hosts/mailbox/mime/name_doubt.h"
+#include "hosts/mailbox/mime/scan.h"
 #include "hosts/mailbox/outlook/media_type.h"
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/services/failure.h"
@@ -60,6 +63,7 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
   }
   Text doubt() const override {
     if (!tree()[part_].doubt.empty()) return Text{tree()[part_].doubt};
+    if (const auto inName = mime::nameDoubt(header()); !inName.empty()) return Text{inName};
     measure();
     return Text{doubt_};
   }
@@ -72,10 +76,13 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
  private:
   const mime::PartTree& tree() const { return message_->tree(); }
   mime::Header header() const { return tree().header(part_); }
-  bool isMessage() const { return tree()[part_].kind == mime::PartKind::message; }
+  bool isMessage() const { return mime::isMessage(tree(), part_); }
   Text embeddedSubject() const {
+    constexpr std::size_t looked = std::size_t{64} << 10;
     const auto children = tree().children(part_);
-    return children.empty() ? Text{} : tree().header(children.front()).text("Subject");
+    if (!children.empty()) return tree().header(children.front()).text("Subject");
+    const auto encoded = mime::decoded(tree()[part_].encoding, tree().body(part_).substr(0, looked));
+    return mime::scan(encoded).header(0).text("Subject");
   }
 
   // Whoever decodes learns the size and the doubt on the way.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "hosts/mailbox/mime/embedded.h"
 #include "hosts/mailbox/mime/protection.h"
 #include "hosts/mailbox/mime/scan.h"
 #include "hosts/mailbox/services/failure.h"
@@ -84,7 +85,7 @@ bool isExternal(const mime::ContentType& type) { return type.is("message/externa
 
 // Whether a person would call the part an attachment.
 bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex part) {
-  if (tree[part].kind == PartKind::message) return true;
+  if (mime::isMessage(tree, part)) return true;
   if (tree[part].kind == PartKind::multipart || layout.isBody(part)) return false;
   const auto header = tree.header(part);
   if (mime::disposition(header).word == "attachment" || !mime::givenName(header).empty()) return true;

@@ -4,6 +4,7 @@
 #include "hosts/mailbox/mime/content_type.h"
 #include "hosts/mailbox/mime/encoded_word.h"
 #include "hosts/mailbox/mime/header_value.h"
+#include "hosts/mailbox/mime/name_doubt.h"
 
 using namespace quillfile;
 using namespace quillfile::mime;
@@ -34,6 +35,15 @@ const Row rows[] = {
     {.what = "a comment",
      .header = "Content-Disposition: attachment (why; not); filename=a.pdf (x)\n",
      .name = u"a.pdf"},
+    {.what = "brackets in a name without quotes",
+     .header = "Content-Disposition: attachment; filename=a (1).pdf; size=1\n",
+     .name = u"a (1).pdf"},
+    {.what = "a filename that leaves nothing",
+     .header = "Content-Type: image/png; name=a.png\nContent-Disposition: inline; filename=\"..\"\n",
+     .name = u"a.png"},
+    {.what = "nothing but a filename that leaves nothing",
+     .header = "Content-Disposition: inline; filename=\"..\"\n",
+     .name = u".."},
     {.what = "only a name", .header = "Content-Type: image/png; name=\"a.png\"\n", .name = u"a.png"},
     {.what = "filename wins",
      .header = "Content-Type: image/png; name=a.png\nContent-Disposition: inline; filename=b.png\n",
@@ -113,6 +123,22 @@ const Row words[] = {
 
 TEST(GivenName, IsReadInEveryForm) {
   for (const auto& row : rows) EXPECT_EQ(givenName(Header{row.header}), row.name) << row.what;
+}
+
+TEST(NameDoubt, IsAboutACharsetThatNobodyKnows) {
+  const auto isDoubted = [](std::string_view parameters) {
+    return nameDoubt(Header{"Content-Type: image/png; name*=x-nobody''%E4.png\nContent-Disposition: inline" +
+                            std::string{parameters} + "\n"}) == u"its name is in an unknown character set";
+  };
+  EXPECT_TRUE(isDoubted(""));
+  EXPECT_TRUE(isDoubted("; filename*=x-nobody''%E4.png"));
+  EXPECT_TRUE(isDoubted("; filename*0*=x-nobody''%E4; filename*1=.png"));
+  EXPECT_TRUE(isDoubted("; filename=\"=?x-nobody?Q?=E4?=.png\""));
+  EXPECT_FALSE(isDoubted("; filename=a.png"));
+  EXPECT_FALSE(isDoubted("; filename=\"\xE4.png\""));
+  EXPECT_FALSE(isDoubted("; filename*=''%E4.png"));
+  EXPECT_FALSE(isDoubted("; filename*=koi8-r''%E4.png"));
+  EXPECT_FALSE(isDoubted("; filename=\"=?us-ascii?Q?=E4?=.png\""));
 }
 
 TEST(EncodedWords, AreReadInEveryForm) {

@@ -24,6 +24,36 @@ const std::string withAttachment =
     "aGVsbG8gd29ybGQ=\n"
     "--b--\n";
 
+std::string withPart(const std::string& part) {
+  return "Subject: x\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n--b\n" + part + "\n--b--\n";
+}
+
+TEST_F(OutlookItems, AnEmbeddedMessageInATransferEncodingIsAnAttachmentToo) {
+  const auto item =
+      deliver(withPart("Content-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\n"
+                       "U3ViamVjdDogSW5uZXIvb25lCgpoZWxsbwo="));
+  ASSERT_EQ(item->attachments()->count(), 1);
+  EXPECT_EQ(item->attachments()->item(1)->type(), static_cast<std::int32_t>(AttachmentType::embedded_item));
+  EXPECT_EQ(item->attachments()->item(1)->fileName(), u"Inner-one.eml");
+  EXPECT_EQ(strip(item, 1), Removal::removed);
+  finish();
+  EXPECT_EQ(contentOf(root / "saved/Inner-one.eml"), "Subject: Inner/one\n\nhello\n");
+  EXPECT_EQ(told.failed, std::vector<std::string>{});
+}
+
+TEST_F(OutlookItems, AnAttachmentWithANameInAnUnknownCharsetStays) {
+  const auto message = withPart(
+      "Content-Type: application/pdf\nContent-Disposition: attachment; filename*=x-nobody''%E4.pdf\n\nx");
+  const auto item = deliver(message);
+  EXPECT_EQ(strip(item, 1), Removal::declined);
+  finish();
+  EXPECT_EQ(contentOf(root / "saved/\xC3\xA4.pdf"), "x");
+  EXPECT_EQ(bytesOf(item), message);
+  ASSERT_EQ(told.declined.size(), 1u);
+  EXPECT_NE(told.declined[0].find("its name is in an unknown character set"), std::string::npos)
+      << told.declined[0];
+}
+
 TEST_F(OutlookItems, AnItemTellsWhatAListShows) {
   const auto item = deliver(withAttachment);
   EXPECT_EQ(item->typeName(), u"MailItem");
