@@ -54,8 +54,11 @@ void Edit::setHeader(std::string_view name, TextView value) {
   headers_.emplace_back(name, value);
 }
 
+void Edit::addField(std::string_view field) { fields_ += field; }
+
 bool Edit::empty() const {
-  return removed_.empty() && texts_.empty() && bodies_.empty() && added_.empty() && headers_.empty();
+  return removed_.empty() && texts_.empty() && bodies_.empty() && added_.empty() && headers_.empty() &&
+         fields_.empty();
 }
 
 bool Edit::removes(PartIndex part) const {

@@ -45,6 +45,8 @@ class Edit {
   // one stands at the end of the header. `value` is any text where the field is unstructured, else ASCII
   // already (see encodedAddress). An empty one takes the field away. Not for Content-* fields.
   void setHeader(std::string_view name, TextView value);
+  // One more field at the end of the message's own header, as it stands, with its line end.
+  void addField(std::string_view field);
 
   bool empty() const;
   bool removes(PartIndex part) const;  // the part itself, or one that it is in
@@ -65,6 +67,7 @@ class Edit {
   std::vector<std::pair<BodyFormat, Text>> bodies_;
   std::vector<NewPart> added_;
   std::vector<std::pair<std::string, Text>> headers_;
+  std::string fields_;
 };
 
 }  // namespace quillfile::mime

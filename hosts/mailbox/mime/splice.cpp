@@ -184,6 +184,7 @@ void Splice::changeHeader() {
   const bool isNewMime = !newFields_.empty() && !tree_.header(0).field("MIME-Version");
   if (isNewMime) newFields_.insert(0, "MIME-Version: 1.0" + lineEnd_);
   for (const auto& [name, value] : edit_.headers_) setField(name, value);
+  newFields_ += edit_.fields_;
   if (changes_.empty() && newFields_.empty()) return;
   const auto end = tree_[0].header.end;
   const auto block = tree_.header(0).block();

@@ -68,8 +68,7 @@ class Rewriting {
       const bool about = *part != 0 || mime::lowerCase(field->name).starts_with("content-");
       if (about) record.header += field->whole;
     }
-    const auto end = tree_[0].header.end;
-    splices_.push_back({{end, end}, {mime::Piece{fieldOf(record, tree_.lineEnd())}}});
+    edit_.addField(fieldOf(record, tree_.lineEnd()));
   }
 
   // Those that were parts of this message first, in the order of their old places.

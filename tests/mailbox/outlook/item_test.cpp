@@ -41,6 +41,23 @@ TEST_F(OutlookItems, AnEmbeddedMessageInATransferEncodingIsAnAttachmentToo) {
   EXPECT_EQ(told.failed, std::vector<std::string>{});
 }
 
+TEST_F(OutlookItems, WhatIsToldOfARemovedPartStandsInTheHeaderOfAMessageWithoutABlankLineToo) {
+  const std::string alone = "Subject: x\nContent-Disposition: attachment; filename=a.txt";
+  const std::string divided =
+      "Subject: x\nContent-Type: multipart/mixed; boundary=b\n--b\n\ntext\n--b\n"
+      "Content-Disposition: attachment; filename=b.txt\n\nb\n--b--\n";
+  for (const auto& message : {alone, alone + "\n", alone.substr(11), divided}) {
+    SCOPED_TRACE(message);
+    const auto item = deliver(message);
+    ASSERT_EQ(strip(item, 1), Removal::removed);
+    finish();
+    const auto after = bytesOf(item);
+    const auto blank = after.find("\n\n");
+    EXPECT_LT(after.find("X-Quillfile-Attachment: "), blank) << after;
+    EXPECT_LT(blank, after.find("Attachment saved to <")) << after;
+  }
+}
+
 TEST_F(OutlookItems, AnAttachmentWithANameInAnUnknownCharsetStays) {
   const auto message = withPart(
       "Content-Type: application/pdf\nContent-Disposition: attachment; filename*=x-nobody''%E4.pdf\n\nx");
