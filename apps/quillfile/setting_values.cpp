@@ -2,8 +2,10 @@
 
 #include <filesystem>
 
+#include "core/platform/failure.h"
 #include "hosts/mailbox/engine/bad_settings.h"
 #include "hosts/mailbox/engine/known_folders.h"
+#include "hosts/mailbox/services/programs.h"
 
 namespace quillfile::app {
 namespace {
@@ -32,6 +34,11 @@ std::string commandLineWarning(const std::string& value) {
   }
   if (value.find("%1") < separator) {
     return "On saved attachments a \"%1\" before the last \"/\" is not replaced.";
+  }
+  try {
+    mailbox::commandWords(value, "");
+  } catch (const Failure&) {
+    return "A quote in this command line is never closed, so it can never be run.";
   }
   return "";
 }

@@ -216,6 +216,8 @@ class SettingsFile(Case):
         done = self.home.run("settings", "set", "ExecuteCommandLine", "notepad %1")
         self.assertEqual(done.status, 0)
         self.assertIn("never on saved attachments", done.err)
+        done = self.home.run("settings", "set", "ExecuteCommandLine", '/usr/bin/file "%1')
+        self.assertIn("never closed", done.err)
         self.assertDone(self.home.run("settings", "set", "ExecuteCommandLine", '/usr/bin/file "%1"'))
 
     def test_values_with_blanks_quotes_and_other_letters_come_back(self):
