@@ -145,8 +145,19 @@ class Saving(Case):
         self.assertEqual(
             done.err,
             'quillfile: Attachments were saved but not removed from "The signed contract": the message is signed, '
-            "and taking something out would break its signature\n",
+            "and a change would break its signature\n",
         )
+        self.assertEqual(sorted(self.home.saved_files()), ["contract.pdf", "signature.asc"])
+        self.assertEqual(signed.read_bytes(), before)
+
+    def test_a_signed_message_gets_no_link_where_attachments_stay_either(self):
+        self.home.set(RemoveAttachment=0, AddURL=1)
+        signed = self.home.add(SAMPLES / "07-signed.eml")
+        before = signed.read_bytes()
+        done = self.home.run("save")
+        self.assertEqual(done.status, 1)
+        self.assertEqual(done.err.count("was left as it was"), 1, done)
+        self.assertIn("the message is signed", done.err)
         self.assertEqual(sorted(self.home.saved_files()), ["contract.pdf", "signature.asc"])
         self.assertEqual(signed.read_bytes(), before)
 

@@ -100,9 +100,9 @@ bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex pa
 Text reasonToKeep(const mime::PartTree& tree) {
   switch (mime::protection(tree)) {
     case mime::Protection::is_signed:
-      return u"the message is signed, and taking something out would break its signature";
+      return u"the message is signed, and a change would break its signature";
     case mime::Protection::encrypted:
-      return u"the message is encrypted, and taking something out would break it";
+      return u"the message is encrypted, and a change would break it";
     case mime::Protection::none:
       break;
   }

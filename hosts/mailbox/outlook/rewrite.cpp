@@ -21,7 +21,7 @@ class Rewriting {
         edit_(tree_) {}
 
   Rewrite run(ItemBodies& bodies) {
-    requireContainersRead();
+    requireChangeable();
     for (const auto& taken : changes_.taken) take(taken);
     addAll();
     bodies.apply(edit_, splices_);
@@ -38,12 +38,13 @@ class Rewriting {
   }
 
  private:
-  // A message with its containers opened takes the place of the stored one only when nothing is lost by that.
-  void requireContainersRead() const {
-    if (&message_->stored() == message_.get()) return;
+  // A message in a folder that is signed, encrypted or doubted keeps every byte, a note's place too. And with
+  // its containers opened it takes the place of the stored one only when nothing is lost by that.
+  void requireChangeable() const {
+    if (message_->stored().file() == nullptr) return;
     if (const auto& reason = message_->whyNothingMayGo(); !reason.empty())
       throw failure("Could not change the message: " + toUtf8(reason));
-    if (!opensTheSameAgain(*message_))
+    if (&message_->stored() != message_.get() && !opensTheSameAgain(*message_))
       throw failure("Could not change the message: what is inside it does not read the same a second time");
   }
 

@@ -146,10 +146,26 @@ TEST_F(OutlookItems, ASignedMessageKeepsItsAttachmentsAndSaysWhyOnce) {
   EXPECT_EQ(strip(item, 1), Removal::declined);
   EXPECT_EQ(strip(item, 1), Removal::declined);
   finish();
-  EXPECT_EQ(told.declined, std::vector<std::string>{
-                               "the message is signed, and taking something out would break its signature"});
+  EXPECT_EQ(told.declined,
+            std::vector<std::string>{"the message is signed, and a change would break its signature"});
   EXPECT_EQ(contentOf(root / "saved" / "a.pdf"), "hello world");
   EXPECT_EQ(bytesOf(item), text);
+}
+
+TEST_F(OutlookItems, ASignedOrCutOffMessageGetsNoNoteEitherAndSaysWhyOnce) {
+  auto text = withAttachment;
+  text.replace(text.find("multipart/mixed"), 15, "multipart/signed");
+  const auto cutOff = withAttachment.substr(0, withAttachment.size() - 6);
+  for (const auto& message : {text, cutOff}) {
+    told.failed.clear();
+    const auto item = deliver(message);
+    note(*item, u"file:///a", true);
+    note(*item, u"file:///b", true);
+    finish();
+    EXPECT_EQ(bytesOf(item), message);
+    EXPECT_EQ(told.failed.size(), 1u);
+    EXPECT_EQ(told.changes, 0);
+  }
 }
 
 TEST_F(OutlookItems, ADoubtedAttachmentStaysAndACleanOneGoes) {
