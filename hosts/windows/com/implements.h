@@ -21,6 +21,7 @@ struct IdOf {
 
 // `First` is also the object's identity. Subclasses answer further ids through `other`.
 template <class First, class... Rest>
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): Release() alone deletes
 class Implements : public First, public Rest... {
  public:
   Implements() { ++liveObjects; }

@@ -42,6 +42,9 @@ class Dual : public Interface {
                       badArgument);
   }
 
+ protected:
+  ~Dual() = default;  // objects go by their last Release()
+
  private:
   const Ptr<ITypeInfo>& description() {
     if (!description_) description_ = describeInterface(__uuidof(Interface));
