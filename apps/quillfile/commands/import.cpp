@@ -32,13 +32,16 @@ class Import {
     source_ = mailbox::MessageFile::open(file_);
     if (!source_) throw mailbox::failure(file_ + " is not there");
     const std::string_view bytes = source_->bytes();
-    if (takeDocument(formats::readMessageFile(bytes)) || takeDocument(formats::readTnef(bytes))) return;
+    const formats::Forget forget = [this](std::string_view range) { source_->forget(range); };
+    if (takeDocument(formats::readMessageFile(bytes, forget)) ||
+        takeDocument(formats::readTnef(bytes, forget)))
+      return;
     if (formats::isMbox(bytes)) {
-      for (const auto& message : formats::splitMbox(bytes)) {
-        add([&](const formats::ByteSink& sink) { formats::writeMboxMessage(message, sink); });
+      for (const auto& message : formats::splitMbox(bytes, forget)) {
+        add([&](const formats::ByteSink& sink) { formats::writeMboxMessage(message, sink, forget); });
       }
     } else if (looksLikeMessage(bytes)) {
-      add(formats::viewSource(bytes));
+      add(formats::viewSource(bytes, forget));
     } else {
       throw mailbox::failure(
           file_ + " is no message that can be imported: an .eml, .msg, .tnef or mbox file is wanted");

@@ -1,8 +1,15 @@
 #include "hosts/mailbox/formats/bytes.h"
 
 #include "hosts/mailbox/formats/failures.h"
+#include "hosts/mailbox/mime/decode.h"
 
 namespace quillfile::formats {
+
+ByteSource viewSource(std::string_view bytes, const Forget& forget) {
+  return [bytes, behind = mime::behindOf(bytes, forget)](const ByteSink& sink) {
+    mime::decode(mime::Encoding::identity, bytes, sink, behind);
+  };
+}
 
 std::string gathered(const ByteSource& source) {
   std::string result;

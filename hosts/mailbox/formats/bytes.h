@@ -14,10 +14,12 @@ namespace quillfile::formats {
 using ByteSink = std::function<void(std::string_view)>;
 using ByteSource = std::function<void(const ByteSink&)>;
 
+// Told which bytes will not be looked at again soon: the owner of a mapping may drop their pages. An empty
+// function is not called.
+using Forget = std::function<void(std::string_view)>;
+
 // The source of bytes that somebody else keeps, and of bytes that it keeps itself.
-inline ByteSource viewSource(std::string_view bytes) {
-  return [bytes](const ByteSink& sink) { sink(bytes); };
-}
+ByteSource viewSource(std::string_view bytes, const Forget& forget = {});
 inline ByteSource ownedSource(std::string bytes) {
   return [kept = std::move(bytes)](const ByteSink& sink) { sink(kept); };
 }

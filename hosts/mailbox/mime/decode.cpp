@@ -68,6 +68,7 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
       sink(part);
       at += part.size();
     }
+    progress.ended(encoded.size());
     return encoding == Encoding::unknown ? unknownEncoding : Doubt{};
   }
   Chunks out{sink, encoded.size()};
@@ -76,6 +77,7 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
                                                                 : decodeUuencode;
   const auto doubt = decoder(encoded, out, progress);
   out.flush();
+  progress.ended(encoded.size());
   return doubt;
 }
 

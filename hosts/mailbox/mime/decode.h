@@ -30,7 +30,7 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
 // A second decoder for base64 and quoted-printable that shares no code with the first, without vectors and
 // strict: false when the input is not exactly as the encoding promises, and for other encodings. What was
 // written is verified with it. The sink gets stretches of about 64 KB, the last ones only when all was well.
-bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink);
+bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind = {});
 // The same for small things, all at once.
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded);
 

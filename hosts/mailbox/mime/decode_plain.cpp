@@ -35,9 +35,11 @@ class Stretches {
     if (size_ > 0) sink_({bytes_.get(), size_});
     size_ = 0;
   }
-  // To be called before at most `room` bytes are added.
-  void passOnWhenFull() {
-    if (size_ + room > capacity) passOn();
+  // To be called before at most `room` bytes are added. Whether it passed any on.
+  bool passOnWhenFull() {
+    const bool full = size_ + room > capacity;
+    if (full) passOn();
+    return full;
   }
 
  private:
@@ -49,8 +51,7 @@ class Stretches {
 };
 
 // Groups of four digits with line ends and blanks anywhere between them; a padded group is the last one.
-bool plainBase64(std::string_view encoded, const Sink& sink) {
-  Stretches out{sink};
+bool plainBase64(std::string_view encoded, Stretches& out, Progress& progress) {
   const auto addGroup = [&](unsigned bits) {
     out.add(static_cast<char>(bits / 65536));
     out.add(static_cast<char>(bits / 256 % 256));
@@ -58,7 +59,7 @@ bool plainBase64(std::string_view encoded, const Sink& sink) {
   };
   unsigned bits = 0, digits = 0, pads = 0;
   for (std::size_t i = 0; i < encoded.size(); ++i) {
-    out.passOnWhenFull();
+    if (out.passOnWhenFull()) progress.reached(i);
     const auto kindAt = [&](std::size_t n) -> unsigned {
       return kinds.of[static_cast<unsigned char>(encoded[n])];
     };
@@ -96,10 +97,9 @@ int hexDigit(char c) {
   return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
-bool plainQuotedPrintable(std::string_view encoded, const Sink& sink) {
-  Stretches out{sink};
+bool plainQuotedPrintable(std::string_view encoded, Stretches& out, Progress& progress) {
   for (std::size_t i = 0; i < encoded.size(); ++i) {
-    out.passOnWhenFull();
+    if (out.passOnWhenFull()) progress.reached(i);
     if (encoded[i] != '=') {
       out.add(encoded[i]);
       continue;
@@ -122,15 +122,15 @@ bool plainQuotedPrintable(std::string_view encoded, const Sink& sink) {
 
 }  // namespace
 
-bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink) {
-  switch (encoding) {
-    case Encoding::base64:
-      return plainBase64(encoded, sink);
-    case Encoding::quoted_printable:
-      return plainQuotedPrintable(encoded, sink);
-    default:
-      return false;
-  }
+bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind) {
+  Stretches out{sink};
+  Progress progress{behind};
+  const auto decoder = encoding == Encoding::base64             ? plainBase64
+                       : encoding == Encoding::quoted_printable ? plainQuotedPrintable
+                                                                : nullptr;
+  const bool exact = decoder && decoder(encoded, out, progress);
+  progress.ended(encoded.size());
+  return exact;
 }
 
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded) {

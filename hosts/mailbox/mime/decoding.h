@@ -49,21 +49,6 @@ class Chunks {
   std::size_t used_ = 0;
 };
 
-// Tells `behind` how far a decoder has read, each behindStep bytes.
-class Progress {
- public:
-  explicit Progress(const Behind& behind) : behind_{behind} {}
-  void reached(std::size_t offset) {
-    if (offset < next_) return;
-    next_ = offset + behindStep;
-    if (behind_) behind_(offset);
-  }
-
- private:
-  const Behind& behind_;
-  std::size_t next_ = behindStep;
-};
-
 Doubt decodeBase64(std::string_view encoded, Chunks& out, Progress& progress);
 Doubt decodeQuotedPrintable(std::string_view encoded, Chunks& out, Progress& progress);
 Doubt decodeUuencode(std::string_view encoded, Chunks& out, Progress& progress);

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "hosts/mailbox/mime/decode.h"
-#include "hosts/mailbox/mime/decoding.h"
 #include "hosts/mailbox/mime/encode.h"
 
 namespace quillfile::mime {
@@ -17,6 +16,14 @@ template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
 constexpr std::size_t step = std::size_t{256} << 10;
+
+void inSteps(std::string_view original, const Range& range, Progress& progress, const Sink& sink) {
+  for (auto at = range.begin; at < range.end; progress.reached(at)) {
+    const auto part = original.substr(at, std::min(step, range.end - at));
+    sink(part);
+    at += part.size();
+  }
+}
 
 // Whether the ranges ascend and what lies between them was meant to be cut.
 bool keepsTheRest(std::size_t size, const Pieces& pieces, const std::vector<Range>& cuts) {
@@ -94,13 +101,7 @@ class Comparison {
 void write(std::string_view original, const Pieces& pieces, const Sink& sink, const Behind& behind) {
   Progress progress{behind};
   const Overloaded writer{
-      [&](const Range& range) {
-        for (auto at = range.begin; at < range.end; progress.reached(at)) {
-          const auto part = original.substr(at, std::min(step, range.end - at));
-          sink(part);
-          at += part.size();
-        }
-      },
+      [&](const Range& range) { inSteps(original, range, progress, sink); },
       [&](const std::string& bytes) { sink(bytes); },
       [&](const StreamedContent& piece) {
         if (!piece.base64) return piece.content(sink);
@@ -110,14 +111,18 @@ void write(std::string_view original, const Pieces& pieces, const Sink& sink, co
       },
   };
   for (const auto& piece : pieces) std::visit(writer, piece);
+  progress.ended(original.size());
 }
 
 bool check(std::string_view original, const Pieces& pieces, const std::vector<Range>& cuts,
-           std::string_view rewritten, const Behind& behind) {
+           std::string_view rewritten, const Behind& behindOriginal, const Behind& behindRewritten) {
   if (!keepsTheRest(original.size(), pieces, cuts)) return false;
-  Comparison comparison{rewritten, behind};
+  Progress progress{behindOriginal};
+  Comparison comparison{rewritten, behindRewritten};
   const Overloaded compare{
-      [&](const Range& range) { comparison.expect(range.of(original)); },
+      [&](const Range& range) {
+        inSteps(original, range, progress, [&](std::string_view part) { comparison.expect(part); });
+      },
       [&](const std::string& bytes) { comparison.expect(bytes); },
       [&](const StreamedContent& piece) {
         if (piece.base64) return comparison.expectBase64(piece);

@@ -31,9 +31,9 @@ void write(std::string_view original, const Pieces& pieces, const Sink& sink, co
 
 // The proof that is asked for before an original is unlinked: whether `rewritten` is exactly what `pieces`
 // say, and whether nothing of `original` outside `cuts` (ranges of it, ascending) was lost or moved. Base64
-// contents are decoded with the second decoder and compared with their source. `behind` is told about
-// `rewritten`.
+// contents are decoded with the second decoder and compared with their source. `behindOriginal` and
+// `behindRewritten` are told about the two.
 bool check(std::string_view original, const Pieces& pieces, const std::vector<Range>& cuts,
-           std::string_view rewritten, const Behind& behind = {});
+           std::string_view rewritten, const Behind& behindOriginal = {}, const Behind& behindRewritten = {});
 
 }  // namespace quillfile::mime

@@ -11,8 +11,7 @@
 namespace quillfile::mailbox {
 namespace {
 
-constexpr std::size_t kLargest = std::size_t{48} << 20;   // it is held in memory while the item is
-constexpr std::size_t kLongest = std::size_t{128} << 20;  // the message with its containers opened
+constexpr std::size_t kLargest = std::size_t{256} << 20;  // of a container, decoded
 
 // By its type, or by the name that it has where the type was lost on the way.
 bool isTnef(const mime::PartTree& tree, mime::PartIndex part) {
@@ -24,26 +23,39 @@ bool isTnef(const mime::PartTree& tree, mime::PartIndex part) {
 
 enum class Decoder { first, second };
 
-std::optional<std::string> decodedBytes(const mime::PartTree& tree, mime::PartIndex part, Decoder decoder,
-                                        mime::Doubt& doubt) {
-  const auto encoding = tree[part].encoding;
-  const bool checked = encoding == mime::Encoding::base64 || encoding == mime::Encoding::quoted_printable;
-  if (decoder == Decoder::second && checked) return mime::decodePlain(encoding, tree.body(part));
-  return mime::decoded(encoding, tree.body(part), &doubt);
+// The bytes of a part; null when the second decoder does not take them. `doubt` is the first one's.
+std::unique_ptr<const Scratch> decodedBytes(const Message& message, mime::PartIndex part, Decoder decoder,
+                                            mime::Doubt& doubt) {
+  const auto& at = message.tree()[part];
+  const auto encoded = message.tree().body(part);
+  const auto behind = message.behind(at.body);
+  const bool checked =
+      at.encoding == mime::Encoding::base64 || at.encoding == mime::Encoding::quoted_printable;
+  bool taken = true;
+  auto bytes = std::make_unique<const Scratch>([&](const Sink& sink) {
+    if (decoder == Decoder::second && checked) {
+      taken = mime::decodePlain(at.encoding, encoded, sink, behind);
+    } else {
+      doubt = mime::decode(at.encoding, encoded, sink, behind);
+    }
+  });
+  return taken ? std::move(bytes) : nullptr;
 }
 
 // The containers of a message that can be opened, in order.
 std::vector<Container> containersOf(const Message& message, Decoder decoder) {
   std::vector<Container> found;
+  formats::TextRoom room;
   const auto& tree = message.tree();
   for (mime::PartIndex part = 0; part < tree.size(); ++part) {
     if (!isTnef(tree, part) || tree.insideEmbedded(part) || tree.body(part).size() > kLargest / 3 * 4)
       continue;
     mime::Doubt doubt;
-    auto bytes = decodedBytes(tree, part, decoder, doubt);
-    if (!bytes || bytes->size() > kLargest) continue;
-    Container one{.part = part, .bytes = std::make_unique<const std::string>(std::move(*bytes))};
-    auto read = formats::readTnef(*one.bytes);
+    Container one{.part = part, .bytes = decodedBytes(message, part, decoder, doubt)};
+    if (!one.bytes || one.bytes->bytes().size() > kLargest) continue;
+    auto read = formats::readTnef(
+        one.bytes->bytes(), [bytes = one.bytes.get()](std::string_view range) { bytes->forget(range); },
+        room);
     if (!read) continue;
     if (!doubt.empty()) read->doubts.emplace_back(doubt);
     one.lost = formats::leftBehind(*read);
@@ -61,34 +73,25 @@ Text reasonToKeep(const std::vector<Container>& containers) {
   return {};
 }
 
-class TooLong {};
-
 }  // namespace
 
 std::shared_ptr<const Message> withContainersOpened(std::shared_ptr<const Message> message) {
   auto containers = containersOf(*message, Decoder::first);
   if (containers.empty()) return message;
   auto reason = reasonToKeep(containers);
-  std::string bytes;
-  const auto add = [&](std::string_view more) {
-    if (bytes.size() + more.size() > kLongest) throw TooLong{};
-    bytes += more;
-  };
-  try {
-    writeOpened(*message, std::move(containers), add);
-  } catch (const TooLong&) {
-    return message;
-  }
-  bytes.shrink_to_fit();
+  auto bytes = std::make_unique<const Scratch>(
+      [&](const Sink& sink) { writeOpened(*message, std::move(containers), sink); });
   return std::make_shared<const Message>(std::move(message), std::move(bytes), std::move(reason));
 }
 
 bool opensTheSameAgain(const Message& opened) {
+  const auto behind = opened.behind({0, opened.bytes().size()});
+  mime::Progress progress{behind};
   std::size_t at = 0;
   bool same = true;
   const auto compare = [&](std::string_view bytes) {
     same = same && opened.bytes().substr(std::min(at, opened.bytes().size()), bytes.size()) == bytes;
-    at += bytes.size();
+    progress.reached(at += bytes.size());
   };
   writeOpened(opened.stored(), containersOf(opened.stored(), Decoder::second), compare);
   return same && at == opened.bytes().size();

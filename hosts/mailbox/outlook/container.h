@@ -10,8 +10,8 @@
 namespace quillfile::mailbox {
 
 // The message with its containers opened; the message itself when there are none. A container that cannot be
-// opened, has nothing in it or is larger than 48 MB is an attachment like others. The body inside becomes the
-// message's: beside its plain text where it has that alone, else where the container is. Messages inside
+// opened, has nothing in it or is larger than 256 MB is an attachment like others. The body inside becomes
+// the message's: beside its plain text where it has that alone, else where the container is. Messages inside
 // become mail, as an import would write them. The result does not let anything go
 // (whyNothingMayGo) when something inside could not be carried over.
 std::shared_ptr<const Message> withContainersOpened(std::shared_ptr<const Message> message);

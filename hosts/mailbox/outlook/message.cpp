@@ -113,6 +113,12 @@ Text reasonToKeep(const mime::PartTree& tree) {
   return {};
 }
 
+// Of bytes that `owner` has mapped.
+template <class Owner>
+mime::Behind behindIn(const Owner& owner, mime::Range range) {
+  return mime::behindOf(range.of(owner.bytes()), [&owner](std::string_view bytes) { owner.forget(bytes); });
+}
+
 }  // namespace
 
 Layout layoutOf(const mime::PartTree& tree) {
@@ -141,8 +147,11 @@ Message::Message(std::shared_ptr<const Message> outer, mime::Range range)
       tree_(mime::scan(range.of(outer_->bytes()))),
       layout_(layoutOf(tree_)) {}
 
-Message::Message(std::shared_ptr<const Message> stored, std::string bytes, Text reason)
-    : own_(std::move(bytes)), stored_(std::move(stored)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {
+Message::Message(std::shared_ptr<const Message> stored, std::unique_ptr<const Scratch> bytes, Text reason)
+    : scratch_(std::move(bytes)),
+      stored_(std::move(stored)),
+      tree_(mime::scan(scratch_->bytes(), behind({0, scratch_->bytes().size()}))),
+      layout_(layoutOf(tree_)) {
   whyNothingMayGo_ = stored_->whyNothingMayGo();
   if (whyNothingMayGo_->empty()) whyNothingMayGo_ = std::move(reason);
   if (whyNothingMayGo_->empty()) whyNothingMayGo_ = reasonToKeep(tree_);
@@ -151,16 +160,17 @@ Message::Message(std::shared_ptr<const Message> stored, std::string bytes, Text 
 void Message::requireAsOpened() const {
   if (outer_) outer_->requireAsOpened();
   if (stored_) stored_->requireAsOpened();
+  if (scratch_ && !scratch_->isWhole())
+    throw failure("The message could not be read whole: the disk with the temporary files fails");
   if (file_ && !file_->isAsOpened())
     throw failure("The message could not be read whole: another program has changed its file meanwhile");
 }
 
 mime::Behind Message::behind(mime::Range range) const {
   if (outer_) return outer_->behind({offset_ + range.begin, offset_ + range.end});
-  if (!file_) return {};
-  return [file = file_.get(), bytes = range.of(file_->bytes())](std::size_t read) {
-    file->forget(bytes.substr(0, read));
-  };
+  if (file_) return behindIn(*file_, range);
+  if (scratch_) return behindIn(*scratch_, range);
+  return {};
 }
 
 const Text& Message::whyNothingMayGo() const {

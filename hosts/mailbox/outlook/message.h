@@ -10,6 +10,7 @@
 
 #include "hosts/mailbox/mime/part_tree.h"
 #include "hosts/mailbox/store/message_file.h"
+#include "hosts/mailbox/store/scratch.h"
 
 namespace quillfile::mailbox {
 
@@ -35,7 +36,7 @@ class Message {
   Message(std::shared_ptr<const Message> outer, mime::Range range);
   // A message with its containers opened: the bytes that `stored`, which it keeps alive, would have without
   // them. `reason`: why the one must not take the place of the other, a sentence; empty when it may.
-  Message(std::shared_ptr<const Message> stored, std::string bytes, Text reason);
+  Message(std::shared_ptr<const Message> stored, std::unique_ptr<const Scratch> bytes, Text reason);
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
@@ -60,6 +61,7 @@ class Message {
  private:
   std::shared_ptr<MessageFile> file_;
   std::string own_;
+  std::unique_ptr<const Scratch> scratch_;
   std::shared_ptr<const Message> outer_, stored_;
   std::size_t offset_ = 0;  // of this message in the outer one
   mime::PartTree tree_;

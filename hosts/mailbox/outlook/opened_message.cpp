@@ -51,12 +51,22 @@ Text withoutBlanks(TextView text) {
   return result;
 }
 
+bool isIn(const Message& message, std::string_view text) {
+  constexpr std::size_t step = std::size_t{1} << 20;
+  const auto bytes = message.bytes();
+  const auto behind = message.behind({0, bytes.size()});
+  mime::Progress progress{behind};
+  for (std::size_t at = 0; at < bytes.size(); progress.reached(at += step))
+    if (bytes.substr(at, step + text.size() - 1).find(text) != std::string_view::npos) return true;
+  return false;
+}
+
 // Every boundary of ours begins with this. Found nowhere in the message, so that no line of it can be taken
 // for one.
-std::string boundaryStem(std::string_view message) {
+std::string boundaryStem(const Message& message) {
   for (int number = 0;; ++number) {
     auto stem = "=_quillfile_" + std::to_string(number) + "_";
-    if (message.find(stem) == std::string_view::npos) return stem;
+    if (!isIn(message, stem)) return stem;
   }
 }
 
@@ -66,7 +76,7 @@ class Opening {
       : message_(message),
         tree_(message.tree()),
         lineEnd_(tree_.lineEnd()),
-        writer_(lineEnd_, boundaryStem(message.bytes())),
+        writer_(lineEnd_, boundaryStem(message)),
         edit_(tree_) {}
 
   void open(Container& container) {

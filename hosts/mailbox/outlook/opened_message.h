@@ -13,9 +13,9 @@ namespace quillfile::mailbox {
 
 struct Container {
   mime::PartIndex part = 0;
-  std::unique_ptr<const std::string> bytes;  // decoded; what `content` refers to
-  formats::MessageContent content = {};      // prepared
-  std::vector<Text> lost = {};               // what is not carried over, a sentence each
+  std::unique_ptr<const Scratch> bytes;  // decoded; what `content` refers to
+  formats::MessageContent content = {};  // prepared
+  std::vector<Text> lost = {};           // what is not carried over, a sentence each
 };
 
 // Makes what was inside ready for a mail of parts: names and types as attachments of mail have them, the

@@ -31,8 +31,9 @@ class Rewriting {
     result_.content = [message = message_, pieces](const Sink& sink) {
       mime::write(message->bytes(), *pieces, sink, message->behind({0, message->bytes().size()}));
     };
-    result_.check = [message = message_, pieces, cuts](std::string_view rewritten) {
-      return mime::check(message->bytes(), *pieces, cuts, rewritten);
+    result_.check = [message = message_, pieces, cuts](const MessageFile& rewritten) {
+      return mime::check(message->bytes(), *pieces, cuts, rewritten.bytes(),
+                         message->behind({0, message->bytes().size()}), rewritten.behind());
     };
     return std::move(result_);
   }

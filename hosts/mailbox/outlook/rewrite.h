@@ -14,7 +14,7 @@ namespace quillfile::mailbox {
 
 struct Rewrite {
   Content content;                              // the whole new message
-  std::function<bool(std::string_view)> check;  // of the new message as read back
+  std::function<bool(const MessageFile&)> check;  // of the new message as read back
   std::vector<RemovedAttachment> removed;
 };
 

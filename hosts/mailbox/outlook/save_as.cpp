@@ -4,6 +4,7 @@
 
 #include "hosts/mailbox/formats/msg/message_file.h"
 #include "hosts/mailbox/formats/tnef/tnef.h"
+#include "hosts/mailbox/mime/decode.h"
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/client.h"
 #include "hosts/mailbox/outlook/draft_text.h"
@@ -117,14 +118,10 @@ Content page(MailboxItem& item) {
 
 Content messageFile(MailboxItem& item) {
   return [opened = item.message()](const Sink& sink) {
-    constexpr std::size_t step = std::size_t{256} << 10;
-    const auto* const message = &opened->stored();
-    const auto behind = message->behind({0, message->bytes().size()});
-    for (std::size_t at = 0; at < message->bytes().size(); at += step) {
-      sink(message->bytes().substr(at, step));
-      if (behind && at % mime::behindStep == 0) behind(at);
-    }
-    message->requireAsOpened();
+    const auto& message = opened->stored();
+    mime::decode(mime::Encoding::identity, message.bytes(), sink,
+                 message.behind({0, message.bytes().size()}));
+    message.requireAsOpened();
   };
 }
 

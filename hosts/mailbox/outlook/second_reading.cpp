@@ -14,14 +14,7 @@ Content secondReading(std::shared_ptr<const Message> message, mime::PartIndex pa
       mime::decode(at.encoding, encoded, sink, behind);
       return;
     }
-    // The decoded bytes are fewer than those that they come from, so that much has been read at least.
-    std::size_t done = 0, told = 0;
-    const bool exact = mime::decodePlain(at.encoding, encoded, [&](std::string_view bytes) {
-      sink(bytes);
-      done += bytes.size();
-      if (behind && done - told >= mime::behindStep) behind(told = done);
-    });
-    if (!exact)
+    if (!mime::decodePlain(at.encoding, encoded, sink, behind))
       throw failure("Could not read the attachment a second time: its encoding is not as it should be");
   };
 }

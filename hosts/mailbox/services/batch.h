@@ -47,9 +47,9 @@ struct MessageChange {
   std::shared_ptr<MessageFile>
       source{};  // open, and locked by the caller; null for a change that needs no bytes
 
-  Content content{};                              // the whole new message; empty: its bytes stay as they are
-  std::function<bool(std::string_view)> check{};  // may be empty; looks at the new message as read back
-  std::vector<RemovedAttachment> removed{};       // what the new message no longer holds
+  Content content{};  // the whole new message; empty: its bytes stay as they are
+  std::function<bool(const MessageFile&)> check{};  // may be empty; looks at the new message as read back
+  std::vector<RemovedAttachment> removed{};         // what the new message no longer holds
   std::vector<std::shared_ptr<SavedFile>> needs{};  // further files that must be durable before the change
   std::string setFlags{};                           // letters to set, "S" for read
   std::string clearFlags{};                         // letters to clear
@@ -65,11 +65,11 @@ enum class ChangeOutcome {
 
 struct ChangeReport {
   ChangeOutcome outcome = ChangeOutcome::changed;
-  std::shared_ptr<MailFolder> folder;  // where it was
-  std::string unique;                  // under which name
+  std::shared_ptr<MailFolder> folder;     // where it was
+  std::string unique;                     // under which name
   std::shared_ptr<MailFolder> newFolder;  // null when it went for good
-  std::string newUnique;  // the same as unique, unless it was rewritten
-  Text reason;            // one sentence, when untouched
+  std::string newUnique;                  // the same as unique, unless it was rewritten
+  Text reason;                            // one sentence, when untouched
 };
 
 // Told what became of everything. Called from within commit(), eventEnded() and change(), on the caller's
@@ -102,7 +102,8 @@ class Batch {
   SavedFiles& files() { return files_; }
 
   // Takes a change. The answer is the unique name that the message will have: a fresh one, its new
-  // folder's own, when `content` or `moveTo` is set, else the one it has. The message itself is as it was until its group has been flushed.
+  // folder's own, when `content` or `moveTo` is set, else the one it has. The message itself is as it was
+  // until its group has been flushed.
   std::string change(MessageChange change);
 
   // Nothing of the event just handled is still to come: flushes when enough has been gathered. The flush runs

@@ -151,7 +151,7 @@ void BatchChange::linkMessage() {
       throw failure("The new message does not read back as it was written");
     if (change_.check) {
       const auto readBack = MessageFile::open(temporary_);
-      if (!readBack || !change_.check(readBack->bytes()))
+      if (!readBack || !change_.check(*readBack))
         throw failure("The new message is not the old one without what was saved");
     }
     if (!change_.source->isAsOpened())

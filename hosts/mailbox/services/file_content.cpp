@@ -20,18 +20,6 @@ char* buffer() {
   return bytes.get();
 }
 
-// write() may take fewer bytes than it is given (a disk that is nearly full, a signal); what is left is tried
-// again.
-void writeAll(int file, std::string_view bytes, const std::string& path) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw fromErrno(errno, "write", path);
-    if (count == 0) throw fromErrno(ENOSPC, "write", path);
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
 std::size_t readAt(int file, char* to, std::size_t size, std::int64_t offset, const std::string& path) {
   std::size_t done = 0;
   while (done < size) {
@@ -46,6 +34,18 @@ std::size_t readAt(int file, char* to, std::size_t size, std::int64_t offset, co
 }
 
 }  // namespace
+
+// write() may take fewer bytes than it is given (a disk that is nearly full, a signal); what is left is tried
+// again.
+void writeAll(int file, std::string_view bytes, const std::string& path) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw fromErrno(errno, "write", path);
+    if (count == 0) throw fromErrno(ENOSPC, "write", path);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
 
 std::int64_t writeContent(int file, const Content& content, const std::string& path) {
   char* const gathered = buffer();

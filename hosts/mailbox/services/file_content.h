@@ -12,6 +12,9 @@ namespace quillfile::mailbox {
 // sentence of the Failure that it throws when not everything could be written.
 std::int64_t writeContent(int file, const Content& content, const std::string& path);
 
+// Writes bytes that are at hand; the same sentence.
+void writeAll(int file, std::string_view bytes, const std::string& path);
+
 // Whether the file holds exactly `content`. Reads it from its beginning. Throws Failure when it cannot be
 // read, and what `content` throws.
 bool holdsContent(int file, const Content& content, const std::string& path);

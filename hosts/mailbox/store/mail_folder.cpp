@@ -7,6 +7,7 @@
 
 #include <cerrno>
 
+#include "hosts/mailbox/mime/decode.h"
 #include "hosts/mailbox/services/failure.h"
 #include "hosts/mailbox/services/file_content.h"
 #include "hosts/mailbox/services/names.h"
@@ -113,7 +114,11 @@ std::optional<std::string> MailFolder::moveTo(const MailFolder& target, std::str
     if (error == EXDEV) {
       const auto message = MessageFile::open(from);
       if (!message) continue;
-      newUnique = target.create([message](const Sink& sink) { sink(message->bytes()); }, flags, forCopy);
+      newUnique = target.create(
+          [message](const Sink& sink) {
+            mime::decode(mime::Encoding::identity, message->bytes(), sink, message->behind());
+          },
+          flags, forCopy);
       if (::unlink(from.c_str()) == 0) return newUnique;
       throw fromErrno(errno, "delete the message that was copied", from);
     }

@@ -65,6 +65,10 @@ void MessageFile::forget(std::string_view range) const {
   if (mapped_) mapped_->forget(range);
 }
 
+mime::Behind MessageFile::behind() const {
+  return mime::behindOf(bytes_, [this](std::string_view range) { forget(range); });
+}
+
 bool MessageFile::isAsOpened() const {
   if (mapped_ && !mapped_->isWhole()) return false;
   struct stat status {};

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "hosts/mailbox/mime/range.h"
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/store/mapping.h"
 
@@ -27,6 +28,9 @@ class MessageFile {
   // The caller is done with these bytes for now: a mapped range leaves memory, and comes back when looked at
   // again.
   void forget(std::string_view range) const;
+
+  // For a reader that goes through all of it, front to back.
+  mime::Behind behind() const;
 
   // Whether the bytes are still the file's: no other program has written to it or cut it short since it was
   // opened, and every byte that was looked at could be read.

@@ -68,6 +68,13 @@ TEST(CompressedRtf, IsNotMisledByItsSizes) {
   EXPECT_LE(read.rtf.size(), bomb.size() * 9);
 }
 
+TEST(CompressedRtf, GrowsNoLongerThanItMay) {
+  const std::string rtf = "{" + std::string(10'000, 'x') + "}", bytes = compressRtf(rtf);
+  EXPECT_EQ(decompressRtf(bytes, 100).rtf, rtf.substr(0, 100));
+  EXPECT_FALSE(decompressRtf(bytes, rtf.size() - 1).intact);
+  EXPECT_TRUE(decompressRtf(bytes, rtf.size()).intact);
+}
+
 TEST(CompressedRtf, SaysWhenItIsDamaged) {
   std::string bytes = compressRtf("{\\rtf1 some words that are here}");
   bytes[20] = static_cast<char>(bytes[20] ^ 1);

@@ -15,7 +15,9 @@ struct Format {
   std::optional<ReadMessage> (*read)(std::string_view);
 };
 
-const Format kFormats[] = {{"msg", writeMessageFile, readMessageFile}, {"tnef", writeTnef, readTnef}};
+const Format kFormats[] = {
+    {"msg", writeMessageFile, [](std::string_view bytes) { return readMessageFile(bytes); }},
+    {"tnef", writeTnef, [](std::string_view bytes) { return readTnef(bytes); }}};
 
 void PrintTo(const Format& format, std::ostream* to) { *to << format.name; }
 

@@ -56,6 +56,20 @@ ReadMessage read(const std::string& bytes) {
   return result.value_or(ReadMessage{});
 }
 
+// Texts are held in memory, attachments are not: those are given whatever is left out.
+TEST(Tnef, LeavesOutTextsBeyondTheirRoom) {
+  const std::string half(std::size_t{20} << 20, 'x');
+  const ReadMessage message = read(stream(
+      attribute(Level::message, Attribute::body, half) +
+      attribute(Level::message, Attribute::message_properties, counted(1, property(0x1013'0102, half))) +
+      kFile + attribute(Level::attachment, Attribute::attach_data, half)));
+  EXPECT_EQ(message.content.textBody.size(), half.size());
+  EXPECT_EQ(message.content.html.bytes, "");
+  EXPECT_FALSE(message.doubts.empty());
+  ASSERT_EQ(message.content.attachments.size(), 1u);
+  EXPECT_EQ(message.content.attachments[0].size, half.size());
+}
+
 TEST(Tnef, TakesDataOutOfThePropertiesWhereNoAttributeHasIt) {
   const std::string binary = attribute(Level::attachment, Attribute::attachment,
                                        counted(1, property(0x37010102, "these are the bytes of the file")));

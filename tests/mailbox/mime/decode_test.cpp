@@ -184,8 +184,8 @@ TEST(Decode, TellsTheOwnerOfTheBytesHowFarItHasCome) {
       [&](std::size_t offset) { ++calls, told = offset; });
   EXPECT_EQ(doubt, u"");
   EXPECT_EQ(size, std::size_t{9} << 20);
-  EXPECT_EQ(calls, encoded.size() / behindStep);
-  EXPECT_GT(told, std::size_t{11} << 20);
+  EXPECT_EQ(calls, encoded.size() / behindStep + 1);
+  EXPECT_EQ(told, encoded.size());
 }
 
 TEST(Encode, WritesQuotedPrintableThatIsReadBack) {

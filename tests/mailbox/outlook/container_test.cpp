@@ -181,10 +181,35 @@ TEST(Container, IsNotBrokenOpenByItsOwnBoundaries) {
             "  application/octet-stream\n  message/rfc822\n  application/octet-stream\n  image/png\n");
 }
 
-TEST(Container, GrowsOnlySoFar) {
-  // A page of zeros: each unit becomes three bytes and more in quoted-printable.
-  const auto message = opened(bareMail(streamOf({.html = {std::string(45 << 20, '='), 65001}})));
-  EXPECT_EQ(&message->stored(), message.get());
+// Texts are held in memory. Of one that is too long nothing is shown, and so the container stays where it is.
+TEST(Container, WithMoreTextThanThereIsRoomForGivesItsAttachmentsAndStays) {
+  formats::MessageContent inside{.html = {std::string(std::size_t{40} << 20, 'x'), 65001}};
+  inside.attachments = {formats::fileAttachment(u"a.doc", "word")};
+  const auto message = opened(mailOf(inside));
+  EXPECT_EQ(attachmentsOf(message)[0]->fileName(), u"a.doc");
+  EXPECT_EQ(message->layout().html, mime::noPart);
+  EXPECT_NE(message->whyNothingMayGo(), u"");
+}
+
+TEST(Container, SharesThatRoomWithTheOthersOfItsMessage) {
+  const auto part = "--b\nContent-Type: application/ms-tnef\n" +
+                    encoded(streamOf({.html = {std::string(std::size_t{20} << 20, 'x'), 65001}}));
+  const auto message =
+      opened("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nplain\n" + part + part + "--b--\n");
+  EXPECT_LT(message->bytes().size(), std::size_t{52} << 20);
+}
+
+// Much of it goes through the disk, and what is read there is the same.
+TEST(Container, OfAnySizeGivesWhatIsInside) {
+  std::string large;
+  for (int i = 0; large.size() < (std::size_t{3} << 20); ++i) large += std::to_string(i) + "\r\n";
+  auto inside = withFiles();
+  inside.attachments.push_back(formats::fileAttachment(u"b.txt", large));
+  const auto found = listed(mailOf(inside));
+  ASSERT_EQ(found.size(), 5u);
+  EXPECT_EQ(found[0], "1 a.doc a.doc: word");
+  EXPECT_EQ(found[3], "1 b.txt b.txt: " + large);
+  EXPECT_TRUE(opensTheSameAgain(*opened(mailOf(inside))));
 }
 
 class ContainerRemoval : public OutlookLinks {

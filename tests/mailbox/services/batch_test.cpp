@@ -58,7 +58,7 @@ TEST_F(BatchTest, AFileThatDoesNotHoldTheAttachmentGoesAndTheMessageStays) {
 TEST_F(BatchTest, ANewMessageThatIsNotRightLeavesTheOldOne) {
   Batch batch{reports};
   auto change = rewriting(batch.files().save(saved + "/a.pdf", bytes("abc")), "abc");
-  change.check = [](std::string_view message) { return message != "without"; };
+  change.check = [](const MessageFile& message) { return message.bytes() != "without"; };
   batch.change(std::move(change));
   batch.commit();
   EXPECT_EQ(messages(), std::set<std::string>{"100.a.host:2,FS"});
@@ -70,7 +70,7 @@ TEST_F(BatchTest, FlagsThatAnotherProgramSetsMeanwhileSurvive) {
   Batch batch{reports};
   auto change = rewriting(batch.files().save(saved + "/a.pdf", bytes("abc")), "abc");
   change.clearFlags = "S";
-  change.check = [&](std::string_view) {  // between the look at the old message and its end
+  change.check = [&](const MessageFile&) {  // between the look at the old message and its end
     std::filesystem::rename(folder / "Mail/cur/100.a.host:2,FS", folder / "Mail/cur/100.a.host:2,RS");
     return true;
   };
@@ -82,7 +82,7 @@ TEST_F(BatchTest, FlagsThatAnotherProgramSetsMeanwhileSurvive) {
 TEST_F(BatchTest, AMessageThatAnotherProgramDeletesMeanwhileStaysDeleted) {
   Batch batch{reports};
   auto change = rewriting(batch.files().save(saved + "/a.pdf", bytes("abc")), "abc");
-  change.check = [&](std::string_view) {
+  change.check = [&](const MessageFile&) {
     return std::filesystem::remove(folder / "Mail/cur/100.a.host:2,FS");
   };
   batch.change(std::move(change));

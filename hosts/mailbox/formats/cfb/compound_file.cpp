@@ -4,6 +4,7 @@
 
 #include "hosts/mailbox/formats/cfb/compound_layout.h"
 #include "hosts/mailbox/formats/little_endian.h"
+#include "hosts/mailbox/mime/range.h"
 
 namespace quillfile::formats {
 
@@ -11,16 +12,38 @@ using namespace cfb;
 
 namespace {
 constexpr std::uint8_t kStorageKind = 1, kStreamKind = 2, kRootKind = 5;
-}
+
+// Sectors that lie one behind the other; gives them back together.
+class Run {
+ public:
+  explicit Run(const Forget& forget) : forget_(forget) {}
+  ~Run() { end(); }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+
+  void add(std::string_view sector) {
+    if (run_.data() + run_.size() != sector.data() || run_.size() >= mime::behindStep) end();
+    run_ = run_.empty() ? sector : std::string_view(run_.data(), run_.size() + sector.size());
+  }
+
+ private:
+  void end() {
+    if (forget_ && !run_.empty()) forget_(run_);
+    run_ = {};
+  }
+  const Forget& forget_;
+  std::string_view run_;
+};
+}  // namespace
 
 struct CompoundFile::RawEntry {
   std::uint8_t kind = 0;
   std::uint32_t left = kFree, right = kFree, child = kFree;
 };
 
-std::optional<CompoundFile> CompoundFile::open(std::string_view bytes) {
+std::optional<CompoundFile> CompoundFile::open(std::string_view bytes, Forget forget) {
   if (bytes.substr(0, kSignature.size()) != kSignature || bytes.size() < kHeaderSize) return std::nullopt;
-  CompoundFile file(bytes);
+  CompoundFile file(bytes, std::move(forget));
   if (!file.readTables()) return std::nullopt;
   return file;
 }
@@ -159,10 +182,12 @@ bool CompoundFile::read(Index stream, const ByteSink& sink) const {
   if (from.storage || from.size > bytes_.size()) return false;
   const bool small = from.size < kCutOff;
   std::uint64_t left = from.size;
+  Run run(forget_);
   for (std::uint32_t at = from.start; left > 0; at = small ? nextSmall(at) : next(at)) {
     const std::string_view piece = (small ? smallSector(at) : sector(at)).substr(0, left);
     if (piece.empty()) return false;
     sink(piece);
+    if (!small) run.add(piece);
     left -= piece.size();
     if (left > 0 && piece.size() < (small ? kSmallSector : sectorSize_)) return false;
   }

@@ -27,8 +27,9 @@ class CompoundFile {
     std::uint32_t start = 0;
   };
 
-  // Nothing when the bytes are no compound file. The bytes must outlive the object.
-  static std::optional<CompoundFile> open(std::string_view bytes);
+  // Nothing when the bytes are no compound file. The bytes must outlive the object. Of long
+  // streams `forget` is told what was given.
+  static std::optional<CompoundFile> open(std::string_view bytes, Forget forget = {});
 
   const Entry& entry(Index index) const { return entries_[index]; }
   // The entry of that name in a storage, ignoring the case of letters.
@@ -39,7 +40,7 @@ class CompoundFile {
 
  private:
   struct RawEntry;
-  explicit CompoundFile(std::string_view bytes) : bytes_(bytes) {}
+  CompoundFile(std::string_view bytes, Forget forget) : bytes_(bytes), forget_(std::move(forget)) {}
   bool readTables();
   void readDirectory(std::uint32_t firstSector);
   void collectChildren(const std::vector<RawEntry>& raw);
@@ -52,6 +53,7 @@ class CompoundFile {
   std::vector<std::uint32_t> chain(std::uint32_t first) const;
 
   std::string_view bytes_;
+  Forget forget_;
   std::uint64_t sectorSize_ = 512;
   std::uint64_t sectorCount_ = 0;
   bool largeSizes_ = false;               // version 4: sizes of 64 bits

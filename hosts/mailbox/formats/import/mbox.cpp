@@ -1,9 +1,11 @@
 #include "hosts/mailbox/formats/import/mbox.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
 #include "hosts/mailbox/mime/header.h"
+#include "hosts/mailbox/mime/range.h"
 
 namespace quillfile::formats {
 namespace {
@@ -77,7 +79,7 @@ std::optional<std::size_t> announcedEnd(std::string_view bytes, std::size_t star
 
 // The start of the next "From " line, or of the blank line before it; else the end of the file without its
 // last blank line.
-std::size_t searchedEnd(std::string_view bytes, std::size_t body) {
+std::size_t searchedEnd(std::string_view bytes, std::size_t body, mime::Progress& progress) {
   std::size_t blank = std::string_view::npos;
   for (std::size_t at = body; at < bytes.size();) {
     const std::string_view line = lineAt(bytes, at);
@@ -85,58 +87,78 @@ std::size_t searchedEnd(std::string_view bytes, std::size_t body) {
     if (isFromLine(bytes, at, afterBlank)) return afterBlank ? blank : at;
     blank = isBlank(line) ? at : std::string_view::npos;
     at += line.size();
+    progress.reached(at);
   }
   return blank == std::string_view::npos ? bytes.size() : blank;
 }
 
 // Whether a line of the body begins "From ": then the writer does not quote (mboxcl2).
-bool hasFromLine(std::string_view body) {
+bool hasFromLine(std::string_view body, const Forget& forget) {
+  constexpr std::string_view kLine = "\nFrom ";
+  constexpr std::size_t kStep = std::size_t{1} << 20;
   if (body.starts_with(kFrom)) return true;
-  return body.find("\nFrom ") != std::string_view::npos;
+  const mime::Behind behind = mime::behindOf(body, forget);
+  mime::Progress progress(behind);
+  for (std::size_t at = 0; at < body.size(); progress.reached(at += kStep))
+    if (body.substr(at, kStep + kLine.size() - 1).find(kLine) != std::string_view::npos) return true;
+  return false;
 }
 
-std::size_t nextFromLine(std::string_view bytes, std::size_t at) {
+std::size_t nextFromLine(std::string_view bytes, std::size_t at, mime::Progress& progress) {
   for (bool afterBlank = true; at < bytes.size() && !isFromLine(bytes, at, afterBlank);) {
     const std::string_view line = lineAt(bytes, at);
     afterBlank = isBlank(line);
     at += line.size();
+    progress.reached(at);
   }
   return at;
+}
+
+// Whether the line is a "From " line with one ">" or more in front.
+bool isQuotedFromLine(std::string_view line) {
+  const std::size_t marks = std::min(line.find_first_not_of('>'), line.size());
+  return marks > 0 && line.substr(marks).starts_with(kFrom);
 }
 
 }  // namespace
 
 bool isMbox(std::string_view bytes) { return isFromLine(bytes, startOf(bytes), true); }
 
-std::vector<MboxMessage> splitMbox(std::string_view bytes) {
+std::vector<MboxMessage> splitMbox(std::string_view bytes, const Forget& forget) {
   std::vector<MboxMessage> result;
-  std::size_t at = nextFromLine(bytes, startOf(bytes));
+  const mime::Behind behind = mime::behindOf(bytes, forget);
+  mime::Progress progress(behind);
+  std::size_t at = nextFromLine(bytes, startOf(bytes), progress);
   while (at < bytes.size()) {
     const std::size_t start = at + lineAt(bytes, at).size(), body = bodyOf(bytes, start);
     const auto announced = announcedEnd(bytes, start, body);
-    const std::size_t end = announced ? *announced : searchedEnd(bytes, body);
-    const bool quoted = !announced || !hasFromLine(bytes.substr(body, end - body));
+    const std::size_t end = announced ? *announced : searchedEnd(bytes, body, progress);
+    const bool quoted = !announced || !hasFromLine(bytes.substr(body, end - body), forget);
     result.push_back({bytes.substr(start, end - start), quoted});
-    at = nextFromLine(bytes, end);
+    at = nextFromLine(bytes, end, progress);
   }
   return result;
 }
 
-void writeMboxMessage(const MboxMessage& message, const ByteSink& sink) {
-  std::string_view left = message.bytes;
-  std::size_t searched = 0;  // `left` from here on has not been looked at
-  while (message.quoted) {
-    const std::size_t found = left.find(">From ", searched);
-    if (found == std::string_view::npos) break;
-    std::size_t line = found;
-    while (line > 0 && left[line - 1] == '>') --line;
-    searched = found + 1;
-    if (line > 0 && left[line - 1] != '\n') continue;
-    sink(left.substr(0, line));
-    left.remove_prefix(line + 1);
-    searched = found - line;
+void writeMboxMessage(const MboxMessage& message, const ByteSink& sink, const Forget& forget) {
+  if (!message.quoted) return viewSource(message.bytes, forget)(sink);
+  constexpr std::size_t kStep = std::size_t{256} << 10;
+  const mime::Behind behind = mime::behindOf(message.bytes, forget);
+  mime::Progress progress(behind);
+  std::size_t given = 0;
+  const auto giveUpTo = [&](std::size_t end) {
+    if (end > given) sink(message.bytes.substr(given, end - given));
+    progress.reached(given = end);
+  };
+  for (std::size_t at = 0; at < message.bytes.size();) {
+    const std::string_view line = lineAt(message.bytes, at);
+    const bool quoted = isQuotedFromLine(line);
+    if (quoted || at - given >= kStep) giveUpTo(at);
+    if (quoted) ++given;
+    at += line.size();
   }
-  sink(left);
+  giveUpTo(message.bytes.size());
+  progress.ended(message.bytes.size());
 }
 
 }  // namespace quillfile::formats

@@ -3,6 +3,7 @@
 
 #include "hosts/mailbox/formats/mapi/property.h"
 #include "hosts/mailbox/formats/message_content.h"
+#include "hosts/mailbox/formats/text_room.h"
 
 namespace quillfile::formats::mapi {
 
@@ -12,8 +13,9 @@ Properties messageProperties(const MessageContent& message);
 Properties recipientProperties(const Recipient& recipient, std::size_t index);
 Properties attachmentProperties(const AttachmentContent& attachment, std::size_t index);
 
-// The opposite. What the properties do not say stays in `message` as it is. Doubts are added.
-void takeMessage(const Properties& properties, ReadMessage& message);
+// The opposite. What the properties do not say stays in `message` as it is. Doubts are added. A rich-text
+// body that expands takes its room.
+void takeMessage(const Properties& properties, ReadMessage& message, TextRoom& room);
 Recipient takeRecipient(const Properties& properties, std::uint32_t codePage);
 AttachmentContent takeAttachment(const Properties& properties, std::uint32_t codePage);
 

@@ -32,7 +32,7 @@ Text takeSubject(const Properties& properties, std::uint32_t page) {
   return subject;
 }
 
-void takeBodies(const Properties& properties, std::uint32_t page, ReadMessage& to) {
+void takeBodies(const Properties& properties, std::uint32_t page, ReadMessage& to, TextRoom& room) {
   if (const Property* html = properties.find(Id::html)) {
     if (const auto* text = std::get_if<Text>(&html->value)) {
       to.content.html = {toUtf8(*text), kUtf8};
@@ -42,7 +42,8 @@ void takeBodies(const Properties& properties, std::uint32_t page, ReadMessage& t
     }
   }
   if (properties.has(Id::rtf_compressed)) {
-    DecompressedRtf rtf = decompressRtf(properties.bytes(Id::rtf_compressed));
+    DecompressedRtf rtf = decompressRtf(properties.bytes(Id::rtf_compressed), room.left());
+    room.take(rtf.rtf.size());
     if (!rtf.intact) to.doubts.push_back(u"The rich-text body is damaged");
     to.content.rtfBody = std::move(rtf.rtf);
   }
@@ -58,7 +59,7 @@ std::uint32_t codePage(const Properties& properties, std::uint32_t otherwise) {
   return otherwise;
 }
 
-void takeMessage(const Properties& properties, ReadMessage& to) {
+void takeMessage(const Properties& properties, ReadMessage& to, TextRoom& room) {
   MessageContent& message = to.content;
   const std::uint32_t page = codePage(properties, kWestern);
   for (const TextField& field : kTexts) {
@@ -84,7 +85,7 @@ void takeMessage(const Properties& properties, ReadMessage& to) {
     message.unread = (flags & kRead) == 0;
     message.draft = (flags & kUnsent) != 0;
   }
-  takeBodies(properties, page, to);
+  takeBodies(properties, page, to, room);
 }
 
 Recipient takeRecipient(const Properties& properties, std::uint32_t page) {

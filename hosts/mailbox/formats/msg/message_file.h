@@ -13,8 +13,9 @@ namespace quillfile::formats {
 // size.
 void writeMessageFile(const MessageContent& message, const ByteSink& sink);
 
-// Nothing when the bytes are no message file. They must outlive the sources of the attachments. Attachments
+// Nothing when the bytes are no message file. They and `forget` must outlive the sources of the
+// attachments. Attachments
 // that are OLE objects come as compound files of their own. Named properties are passed over.
-std::optional<ReadMessage> readMessageFile(std::string_view bytes);
+std::optional<ReadMessage> readMessageFile(std::string_view bytes, const Forget& forget = {});
 
 }  // namespace quillfile::formats

@@ -26,7 +26,7 @@ class Reader {
   ReadMessage message(Index storage, std::size_t header, int depth) {
     ReadMessage result;
     const mapi::Properties properties = propertiesOf(storage, header, result.doubts);
-    mapi::takeMessage(properties, result);
+    mapi::takeMessage(properties, result, room_);
     const std::uint32_t page = mapi::codePage(properties, mapi::kWestern);
     for (const Index child : file_->entry(storage).children) {
       const CompoundFile::Entry& entry = file_->entry(child);
@@ -49,7 +49,8 @@ class Reader {
   std::string bytesOf(Index stream, std::vector<Text>& doubts) {
     const std::uint64_t size = file_->entry(stream).size;
     std::string result;
-    if (size > budget_ || !file_->read(stream, [&](std::string_view bytes) { result += bytes; })) {
+    if (size > budget_ || !room_.take(size) ||
+        !file_->read(stream, [&](std::string_view bytes) { result += bytes; })) {
       doubts.emplace_back(kDamaged);
     }
     budget_ -= std::min<std::uint64_t>(budget_, size);
@@ -169,12 +170,13 @@ class Reader {
 
   std::shared_ptr<const CompoundFile> file_;
   std::uint64_t budget_;
+  TextRoom room_;
 };
 
 }  // namespace
 
-std::optional<ReadMessage> readMessageFile(std::string_view bytes) {
-  auto file = CompoundFile::open(bytes);
+std::optional<ReadMessage> readMessageFile(std::string_view bytes, const Forget& forget) {
+  auto file = CompoundFile::open(bytes, forget);
   if (!file || !file->find(CompoundFile::kRoot, kProperties)) return std::nullopt;
   Reader reader(std::make_shared<const CompoundFile>(std::move(*file)), bytes.size());
   return reader.message(CompoundFile::kRoot, kTopHeader, 1);

@@ -172,17 +172,18 @@ std::string compressRtf(std::string_view rtf) {
   return result + content;
 }
 
-DecompressedRtf decompressRtf(std::string_view bytes) {
+DecompressedRtf decompressRtf(std::string_view bytes, std::size_t most) {
   if (bytes.size() < kHeader) return {};
   const std::uint32_t size = get32(bytes, 0), rawSize = get32(bytes, 4), kind = get32(bytes, 8);
   std::string_view content = bytes.substr(kHeader);
   const bool whole = size >= kHeader - 4 && size - (kHeader - 4) <= content.size();
   if (whole) content = content.substr(0, size - (kHeader - 4));
   if (kind == kUncompressed) {
-    return {std::string(content.substr(0, rawSize)), whole && rawSize <= content.size()};
+    return {std::string(content.substr(0, std::min<std::size_t>(rawSize, most))),
+            whole && rawSize <= std::min(content.size(), most)};
   }
   if (kind != kCompressed) return {};
-  DecompressedRtf result{expand(content, rawSize), false};
+  DecompressedRtf result{expand(content, std::min<std::size_t>(rawSize, most)), false};
   result.intact = whole && result.rtf.size() == rawSize && checksum(content) == get32(bytes, 12);
   return result;
 }

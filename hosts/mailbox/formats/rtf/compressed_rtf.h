@@ -13,7 +13,8 @@ struct DecompressedRtf {
   bool intact = false;  // the signature, the size and the checksum are right
 };
 
-// The result is at most nine times as long as the input, whatever the sizes inside it claim.
-DecompressedRtf decompressRtf(std::string_view bytes);
+// The result is at most nine times as long as the input, whatever the sizes inside it claim, and no longer
+// than `most` (then it is not intact).
+DecompressedRtf decompressRtf(std::string_view bytes, std::size_t most = std::string_view::npos);
 
 }  // namespace quillfile::formats

@@ -121,7 +121,7 @@ void skipName(Cursor& cursor) {
   }
 }
 
-bool readProperty(Cursor& cursor, mapi::Properties& to, const DataHandler& data) {
+bool readProperty(Cursor& cursor, mapi::Properties& to, TextRoom& room, const DataHandler& data) {
   const std::uint32_t tag = cursor.number();
   const auto number = static_cast<std::uint16_t>(tag >> 16), kind = static_cast<std::uint16_t>(tag & 0xFFFF);
   const auto type = static_cast<Type>(kind & ~mapi::kMultiple);
@@ -137,6 +137,7 @@ bool readProperty(Cursor& cursor, mapi::Properties& to, const DataHandler& data)
     if (id == Id::attach_data) {
       if (data) data(type, value);
     } else if (type != Type::object && !to.has(id)) {
+      if (!room.take(value.size())) return false;
       to.add(id, type, valueOf(type, value));
     }
   }
@@ -162,22 +163,23 @@ std::string objectHeader(Id id, std::uint64_t length) {
   return result;
 }
 
-bool readProperties(std::string_view& bytes, mapi::Properties& to, const DataHandler& data) {
+bool readProperties(std::string_view& bytes, mapi::Properties& to, TextRoom& room, const DataHandler& data) {
   Cursor cursor(bytes);
   bool whole = true;
   for (std::uint32_t left = cursor.number(); left > 0 && whole; --left)
-    whole = readProperty(cursor, to, data);
+    whole = readProperty(cursor, to, room, data);
   bytes = cursor.left();
   return whole && !cursor.failed();
 }
 
-bool readRows(std::string_view bytes, const std::function<void(const mapi::Properties&)>& row) {
+bool readRows(std::string_view bytes, TextRoom& room,
+              const std::function<void(const mapi::Properties&)>& row) {
   if (bytes.size() < 4) return false;
   std::uint32_t count = get32(bytes, 0);
   bytes.remove_prefix(4);
   for (; count > 0; --count) {
     mapi::Properties properties;
-    if (bytes.empty() || !readProperties(bytes, properties)) return false;
+    if (bytes.empty() || !readProperties(bytes, properties, room)) return false;
     row(properties);
   }
   return true;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "hosts/mailbox/formats/mapi/property.h"
+#include "hosts/mailbox/formats/text_room.h"
 
 namespace quillfile::formats::tnef {
 
@@ -22,11 +23,13 @@ inline std::size_t padding(std::uint64_t length) { return static_cast<std::size_
 // begins with the sixteen bytes that say who reads it; of binary data it does not.
 using DataHandler = std::function<void(mapi::Type type, std::string_view value)>;
 
-// Reads one set of properties and cuts it off the front of `bytes`. False when it is damaged: what was read
-// until there stays.
-bool readProperties(std::string_view& bytes, mapi::Properties& to, const DataHandler& data = {});
+// Reads one set of properties and cuts it off the front of `bytes`. False when it is damaged or there is no
+// more room: what was read until there stays.
+bool readProperties(std::string_view& bytes, mapi::Properties& to, TextRoom& room,
+                    const DataHandler& data = {});
 
 // A count, and that many sets of properties.
-bool readRows(std::string_view bytes, const std::function<void(const mapi::Properties&)>& row);
+bool readRows(std::string_view bytes, TextRoom& room,
+              const std::function<void(const mapi::Properties&)>& row);
 
 }  // namespace quillfile::formats::tnef

@@ -19,11 +19,19 @@ struct RawAttachment {
   mapi::Properties properties;
 };
 
+std::string_view untilZero(std::string_view bytes) { return bytes.substr(0, bytes.find('\0')); }
+
 // Attachments and recipients are counted over all messages of a stream: a few bytes can claim to be one.
 constexpr std::size_t kMostParts = 20'000;
 
+// What is left of a stream's bounds.
+struct Bounds {
+  std::size_t parts = kMostParts;
+  TextRoom& room;
+};
+
 struct RawMessage {
-  std::size_t* partsLeft = nullptr;
+  Bounds* left = nullptr;
   std::uint32_t page = mapi::kWestern;
   std::string_view subject, messageClass, messageId, body, from;
   std::optional<Time> sent, received;
@@ -40,6 +48,12 @@ struct RawMessage {
     if (attachments.empty()) beginAttachment();
     return attachments.back();
   }
+  // A text that is an attribute of its own.
+  std::string_view text(std::string_view data) {
+    if (left->room.take(data.size())) return untilZero(data);
+    doubt(u"A text in the TNEF stream is too long");
+    return {};
+  }
   void beginAttachment() {
     if (takePart() || attachments.empty()) {
       attachments.emplace_back();
@@ -48,14 +62,12 @@ struct RawMessage {
     }
   }
   bool takePart() {
-    if (*partsLeft == 0) doubt(u"The TNEF stream has too many attachments and recipients");
-    return *partsLeft > 0 && (*partsLeft)-- > 0;
+    if (left->parts == 0) doubt(u"The TNEF stream has too many attachments and recipients");
+    return left->parts > 0 && left->parts-- > 0;
   }
 };
 
 constexpr TextView kDamagedProperties = u"The properties in the TNEF stream are damaged";
-
-std::string_view untilZero(std::string_view bytes) { return bytes.substr(0, bytes.find('\0')); }
 
 std::optional<Time> dateOf(std::string_view bytes) {
   using namespace std::chrono;
@@ -72,14 +84,14 @@ struct Row {
 };
 
 void takeProperties(RawMessage& message, std::string_view data) {
-  if (!readProperties(data, message.properties)) message.doubt(kDamagedProperties);
+  if (!readProperties(data, message.properties, message.left->room)) message.doubt(kDamagedProperties);
 }
 
 void takeRecipients(RawMessage& message, std::string_view data) {
   const auto add = [&](const mapi::Properties& row) {
     if (message.takePart()) message.recipients.push_back(row);
   };
-  if (!readRows(data, add)) message.doubt(kDamagedProperties);
+  if (!readRows(data, message.left->room, add)) message.doubt(kDamagedProperties);
 }
 
 void takeAttachmentProperties(RawMessage& message, std::string_view data) {
@@ -91,32 +103,39 @@ void takeAttachmentProperties(RawMessage& message, std::string_view data) {
       attachment.data = value;
     }
   };
-  if (!readProperties(data, attachment.properties, take)) message.doubt(kDamagedProperties);
+  if (!readProperties(data, attachment.properties, message.left->room, take))
+    message.doubt(kDamagedProperties);
 }
 
 constexpr Row kRows[] = {
     {Attribute::code_page, [](RawMessage& to, std::string_view data) { to.page = get32(data, 0); }},
     {Attribute::from, [](RawMessage& to, std::string_view data) { to.from = data; }},
-    {Attribute::subject, [](RawMessage& to, std::string_view data) { to.subject = untilZero(data); }},
+    {Attribute::subject, [](RawMessage& to, std::string_view data) { to.subject = to.text(data); }},
     {Attribute::message_class,
-     [](RawMessage& to, std::string_view data) { to.messageClass = untilZero(data); }},
-    {Attribute::message_id, [](RawMessage& to, std::string_view data) { to.messageId = untilZero(data); }},
-    {Attribute::body, [](RawMessage& to, std::string_view data) { to.body = untilZero(data); }},
+     [](RawMessage& to, std::string_view data) { to.messageClass = to.text(data); }},
+    {Attribute::message_id, [](RawMessage& to, std::string_view data) { to.messageId = to.text(data); }},
+    {Attribute::body, [](RawMessage& to, std::string_view data) { to.body = to.text(data); }},
     {Attribute::date_sent, [](RawMessage& to, std::string_view data) { to.sent = dateOf(data); }},
     {Attribute::date_received, [](RawMessage& to, std::string_view data) { to.received = dateOf(data); }},
     {Attribute::message_properties, takeProperties},
     {Attribute::recipients, takeRecipients},
     {Attribute::attach_render_data, [](RawMessage& to, std::string_view) { to.beginAttachment(); }},
     {Attribute::attach_title,
-     [](RawMessage& to, std::string_view data) { to.attachment().title = untilZero(data); }},
+     [](RawMessage& to, std::string_view data) { to.attachment().title = to.text(data); }},
     {Attribute::attach_data, [](RawMessage& to, std::string_view data) { to.attachment().data = data; }},
     {Attribute::attachment, takeAttachmentProperties},
 };
 
+std::uint16_t checksumIn(std::string_view data, const Forget& forget) {
+  std::uint16_t sum = 0;
+  viewSource(data, forget)([&](std::string_view bytes) { sum = checksumOf(bytes, sum); });
+  return sum;
+}
+
 // Each attribute is looked at once; its data stays where it is.
-RawMessage readAttributes(std::string_view bytes, std::size_t& partsLeft) {
+RawMessage readAttributes(std::string_view bytes, Bounds& left, const Forget& forget) {
   RawMessage result;
-  result.partsLeft = &partsLeft;
+  result.left = &left;
   bytes.remove_prefix(std::min<std::size_t>(bytes.size(), 6));
   while (!bytes.empty()) {
     const auto level = static_cast<Level>(bytes[0]);
@@ -131,7 +150,7 @@ RawMessage readAttributes(std::string_view bytes, std::size_t& partsLeft) {
     bytes.remove_prefix(data.size());
     if (data.size() < length || bytes.size() < kChecksum) {
       result.doubt(u"The TNEF stream is cut off");
-    } else if (get16(bytes, 0) != checksumOf(data)) {
+    } else if (get16(bytes, 0) != checksumIn(data, forget)) {
       result.doubt(u"A checksum in the TNEF stream is wrong");
     }
     bytes.remove_prefix(std::min(bytes.size(), kChecksum));
@@ -155,17 +174,19 @@ Mailbox fromOf(std::string_view data, std::uint32_t page) {
   return result;
 }
 
-void addData(AttachmentContent& to, std::string_view data) {
+void addData(AttachmentContent& to, std::string_view data, const Forget& forget) {
   to.size = data.size();
-  to.data = viewSource(data);
+  to.data = viewSource(data, forget);
   to.range = data;
 }
 
 class Reader {
  public:
+  Reader(const Forget& forget, TextRoom& room) : forget_(forget), left_{.room = room} {}
+
   std::optional<ReadMessage> read(std::string_view bytes, int depth) {
     if (bytes.size() < 6 || get32(bytes, 0) != kSignature) return std::nullopt;
-    RawMessage raw = readAttributes(bytes, partsLeft_);
+    RawMessage raw = readAttributes(bytes, left_, forget_);
     ReadMessage result{.content = {}, .doubts = std::move(raw.doubts)};
     MessageContent& message = result.content;
     const std::uint32_t page = raw.page == 0 ? mapi::kWestern : raw.page;
@@ -175,7 +196,7 @@ class Reader {
     message.sender = fromOf(raw.from, page);
     message.sent = raw.sent;
     message.received = raw.received;
-    mapi::takeMessage(raw.properties, result);
+    mapi::takeMessage(raw.properties, result, left_.room);
     for (const mapi::Properties& row : raw.recipients)
       message.recipients.push_back(mapi::takeRecipient(row, page));
     for (const RawAttachment& one : raw.attachments) {
@@ -195,9 +216,9 @@ class Reader {
       result.method = AttachMethod::by_value;
     }
     if (raw.object && (result.method == AttachMethod::ole || !raw.data || raw.data->empty())) {
-      addData(result, raw.object->substr(std::min(raw.object->size(), kMessageInterface.size())));
+      addData(result, raw.object->substr(std::min(raw.object->size(), kMessageInterface.size())), forget_);
     } else if (raw.data) {
-      addData(result, *raw.data);
+      addData(result, *raw.data, forget_);
     }
     return result;
   }
@@ -215,11 +236,19 @@ class Reader {
     return true;
   }
 
-  std::size_t partsLeft_ = kMostParts;
+  const Forget& forget_;
+  Bounds left_;
 };
 
 }  // namespace
 
-std::optional<ReadMessage> readTnef(std::string_view bytes) { return Reader().read(bytes, 1); }
+std::optional<ReadMessage> readTnef(std::string_view bytes, const Forget& forget) {
+  TextRoom room;
+  return readTnef(bytes, forget, room);
+}
+
+std::optional<ReadMessage> readTnef(std::string_view bytes, const Forget& forget, TextRoom& room) {
+  return Reader(forget, room).read(bytes, 1);
+}
 
 }  // namespace quillfile::formats

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "hosts/mailbox/formats/message_content.h"
+#include "hosts/mailbox/formats/text_room.h"
 
 namespace quillfile::formats {
 
@@ -14,8 +15,10 @@ namespace quillfile::formats {
 void writeTnef(const MessageContent& message, const ByteSink& sink);
 
 // Nothing when the bytes are no TNEF stream. Attachments are ranges of the bytes given, which must outlive
-// them; names are as the stream has them. A stream that is cut off or damaged gives what can be read, and
-// doubts.
-std::optional<ReadMessage> readTnef(std::string_view bytes);
+// them, and `forget`; names are as the stream has them. A stream that is cut off or damaged gives what can be
+// read, and doubts.
+std::optional<ReadMessage> readTnef(std::string_view bytes, const Forget& forget = {});
+// The same, of one stream among several that share the room for texts.
+std::optional<ReadMessage> readTnef(std::string_view bytes, const Forget& forget, TextRoom& room);
 
 }  // namespace quillfile::formats
