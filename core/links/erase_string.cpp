@@ -9,39 +9,47 @@ constexpr TextView name = u"EraseString";
 
 }  // namespace
 
-Text QuillfileExtended::EraseString(TextView body, TextView format) {
+std::optional<Stretch> QuillfileExtended::noteToErase(TextView body, TextView format, Position start) {
   constexpr Wording wording{u"Error occurred: {}", false};
-  return procedure(ports_.services, {.name = u".EraseString", .wording = wording}, [&](Step&) -> Text {
-    if (format == u"HTML") return eraseHtml(body);
-    if (format == u"RTF") return eraseRtf(body);
-    return {};
-  });
+  return procedure(ports_.services, {.name = u".EraseString", .wording = wording},
+                   [&](Step&) -> std::optional<Stretch> {
+                     if (format != u"HTML" && format != u"RTF") return std::nullopt;
+                     const auto unbroken = findUnbrokenPhrase(body, start);
+                     const auto phrase = unbroken > 0 ? unbroken : findPhrase(body, 1);
+                     if (phrase < 1) return std::nullopt;
+                     const auto note = format == u"HTML" ? noteInHtml(body, phrase) : noteInRtf(body, phrase);
+                     if (!note) return note;
+                     trace_(name, u"FirstPart: {}", left(body, note->begin - 1));
+                     trace_(name, u"LastPart: {}", from(body, note->end));
+                     return note;
+                   });
 }
 
-// From the "<P" before the phrase to the "</P>" after the anchor.
-Text QuillfileExtended::eraseHtml(TextView body) {
+Text QuillfileExtended::EraseString(TextView body, TextView format) {
+  const auto note = noteToErase(body, format);
+  return note ? Text{left(body, note->begin - 1)}.append(from(body, note->end)) : Text{};
+}
+
+// From the "<P" before the phrase at `found` to the "</P>" after the anchor.
+std::optional<Stretch> QuillfileExtended::noteInHtml(TextView body, Position found) {
   constexpr TextView closing = u"</P>";
-  const auto found = findPhrase(body, 1);
-  if (found < 1) return {};
   const auto start = findLastIgnoringCase(ports_.letters, body, u"<P", found);
-  if (start < 1) return {};
+  if (start < 1) return std::nullopt;
   const auto anchor = find(body, u"</A>", start, CompareMode::ignoring_case);
-  if (anchor < 1) return {};
+  if (anchor < 1) return std::nullopt;
   const auto end = find(body, closing, anchor, CompareMode::ignoring_case);
-  if (end < 1) return {};
-  return without(body, start, end + static_cast<Position>(closing.size()));
+  if (end < 1) return std::nullopt;
+  return Stretch{start, end + static_cast<Position>(closing.size())};
 }
 
-// From the phrase to the end of its line.
-Text QuillfileExtended::eraseRtf(TextView body) {
-  const auto start = findPhrase(body, 1);
-  if (start < 1) return {};
+// From the phrase at `start` to the end of its line.
+std::optional<Stretch> QuillfileExtended::noteInRtf(TextView body, Position start) {
   const auto end = endOfRtfNote(body, start);
   if (end < 1) {
     trace_(name, u"Failed to find ending file marker");
-    return {};
+    return std::nullopt;
   }
-  return without(body, start, end);
+  return Stretch{start, end};
 }
 
 // The position behind the note: behind its ">" and the "\par" that ends its line, or before a "}" that does.
@@ -52,15 +60,6 @@ Position QuillfileExtended::endOfRtfNote(TextView body, Position start) {
   }
   const auto group = find(body, u">}", start, CompareMode::ignoring_case);
   return group < 1 ? 0 : group + 1;
-}
-
-// `body` without what stands from `start` up to `end`.
-Text QuillfileExtended::without(TextView body, Position start, Position end) {
-  const auto first = left(body, start - 1);
-  const auto last = from(body, end);
-  trace_(name, u"FirstPart: {}", first);
-  trace_(name, u"LastPart: {}", last);
-  return Text{first}.append(last);
 }
 
 }  // namespace quillfile

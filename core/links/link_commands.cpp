@@ -1,5 +1,7 @@
 #include "core/links/link_commands.h"
 
+#include <algorithm>
+
 #include "core/links/link_note.h"
 
 namespace quillfile {
@@ -10,38 +12,36 @@ constexpr TextView erasing = u"JustEraseLinks";
 constexpr TextView lineBreak = u"\r\n";
 constexpr TextView oldestVersion = u"9.", nextVersion = u"10";
 
+Position lengthOf(TextView text) { return static_cast<Position>(text.size()); }
+
 // Rich text is first searched as plain text; a body of no known format is not read.
-std::pair<BodyKind, Text> readBody(SafeItem& item, TextView format) {
-  if (format == u"HTML") return {BodyKind::html, item.body(BodyKind::html)};
-  if (format == u"TEXT" || format == u"RTF") return {BodyKind::plain, item.body(BodyKind::plain)};
-  return {BodyKind::plain, Text{}};
-}
-
-Text withoutLeadingLineBreaks(Text text) {
-  std::size_t leading = 0;
-  while (startsWith(TextView{text}.substr(leading), lineBreak)) leading += lineBreak.size();
-  return text.erase(0, leading);
-}
-
-Text markersNaming(TextView body, TextView fileName) {
-  constexpr TextView marker = u"<< File: Paperclip retained by Quillfile >>";
-  return replaceAll(body, marker, fill(u"<< File: {} >>", fileName));
+std::pair<BodyKind, std::unique_ptr<WorkingCopy>> readBody(SafeItem& item, TextView format) {
+  if (format == u"HTML") return {BodyKind::html, item.workingCopy(BodyKind::html)};
+  if (format == u"TEXT" || format == u"RTF") return {BodyKind::plain, item.workingCopy(BodyKind::plain)};
+  return {BodyKind::plain, std::make_unique<LooseCopy>(Text{})};
 }
 
 }  // namespace
 
-// An item's body in the wrapper, and the walk through it, kept in step.
+// An item's body in the wrapper, and the walk through it.
 struct LinkCommands::Body {
   SafeItem& item;
   LinkWalk walk;
 
-  const Text& read(BodyKind kind) {
-    walk.read(kind, item.body(kind));
-    return walk.body();
+  void read(BodyKind kind) { walk.read(kind, item.workingCopy(kind)); }
+  void removeLeadingLineBreaks() {
+    const auto text = walk.body();
+    Position leading = 1;
+    while (startsWith(from(text, leading), lineBreak)) leading += lengthOf(lineBreak);
+    if (leading > 1) walk.replace(1, leading, u"");
   }
-  void write(BodyKind kind, Text text) {
-    item.setBody(kind, text);
-    walk.change(std::move(text));
+  void replaceAll(TextView wanted, TextView replacement) {
+    const auto next = [&](Position start) { return find(walk.body(), wanted, start); };
+    for (auto at = next(1); at > 0; at = next(at + lengthOf(replacement)))
+      walk.replace(at, at + lengthOf(wanted), replacement);
+  }
+  void nameMarkers(TextView fileName) {
+    replaceAll(u"<< File: Paperclip retained by Quillfile >>", fill(u"<< File: {} >>", fileName));
   }
 };
 
@@ -57,11 +57,28 @@ void LinkCommands::removePaperclips(const Ref<Item>& item) {
   }
 }
 
-// A plain body without the notes for a file, those that end their line first.
-Text LinkCommands::withoutNotes(TextView plain, TextView fileName) {
+// Takes the notes for a file out of a plain body: those that end their line with it, then all others, which
+// are looked for once more where there can be any.
+void LinkCommands::eraseNotes(LinkWalk& walk, TextView fileName) {
   const Text note = link_note::plain(ports_.paths.linkTo(fileName));
-  const Text rest = replaceAllIgnoringCase(ports_.letters, plain, fill(u"{}{}", note, lineBreak), u"");
-  return replaceAllIgnoringCase(ports_.letters, rest, note, u"");
+  const auto length = lengthOf(note);
+  const auto next = [&](Position start) {
+    return findIgnoringCase(ports_.letters, walk.body(), note, start);
+  };
+  bool others = false;
+  for (auto at = next(walk.firstPhrase()); at > 0; at = next(at)) {
+    if (startsWith(from(walk.body(), at + length), lineBreak)) {
+      walk.replace(at, at + length + lengthOf(lineBreak), u"");
+      // What now stands together may make a note.
+      const auto seam = middle(walk.body(), std::max<Position>(1, at - length), 2 * length);
+      others = others || findIgnoringCase(ports_.letters, seam, note) > 0;
+    } else {
+      others = true;
+      at += length;
+    }
+  }
+  if (!others) return;
+  for (auto at = next(walk.firstPhrase()); at > 0; at = next(at)) walk.replace(at, at + length, u"");
 }
 
 bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
@@ -76,12 +93,12 @@ bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
     ignoringErrors([&] { item->save(); });
     at(4);
     const auto safe = mailHelper_.wrap(item);
-    auto [kind, text] = readBody(*safe, format);
+    auto [kind, copy] = readBody(*safe, format);
     at(5);
     const Text version = version2();
     at(6);
-    trace_(u"Connect.SendItem", u"WORKING WITH: {}", text);  // sic
-    Body body{*safe, {links_, format, version != oldestVersion, kind, std::move(text)}};
+    trace_(u"Connect.SendItem", u"WORKING WITH: {}", copy->text());  // sic
+    Body body{*safe, {links_, format, version != oldestVersion, kind, std::move(copy)}};
     bool changed = false;
     while (body.walk.next()) {
       at(7);
@@ -89,7 +106,8 @@ bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
       if (links_.TestAttachmentLink(safe, fileName)) changed = true;
       at(8);
       if (format == u"HTML") {
-        body.write(BodyKind::html, links_.EraseString(body.walk.body(), format));
+        body.walk.eraseNote();
+        body.walk.write();
         changed = true;
         continue;
       }
@@ -99,12 +117,14 @@ bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
         trace_(replacing, u"Erasing url text '{}'", fileName);
       }
       if (format == u"RTF" && version != oldestVersion) {
-        body.write(BodyKind::rtf, links_.EraseString(body.read(BodyKind::rtf), format));
+        body.read(BodyKind::rtf);
+        body.walk.eraseNote();
       } else {
-        Text rest = withoutNotes(body.read(BodyKind::plain), fileName);
-        body.write(BodyKind::plain,
-                   version == nextVersion ? withoutLeadingLineBreaks(std::move(rest)) : rest);
+        body.read(BodyKind::plain);
+        eraseNotes(body.walk, fileName);
+        if (version == nextVersion) body.removeLeadingLineBreaks();
       }
+      body.walk.write();
       safe->save();
     }
     at(9);
@@ -126,10 +146,10 @@ bool LinkCommands::JustEraseLinks(const Ref<Item>& item) {
     const auto safe = mailHelper_.wrap(item);
     ignoringErrors([&] { item->save(); });
     at(3);
-    auto [kind, text] = readBody(*safe, format);
+    auto [kind, copy] = readBody(*safe, format);
     at(4);
     const Text version = version2();
-    Body body{*safe, {links_, format, version == nextVersion, kind, std::move(text)}};
+    Body body{*safe, {links_, format, version == nextVersion, kind, std::move(copy)}};
     bool changed = false;
     while (body.walk.next()) {
       at(5);
@@ -138,22 +158,25 @@ bool LinkCommands::JustEraseLinks(const Ref<Item>& item) {
       trace_(erasing, u"Replacing links of {}", name);
       at(6);
       if (format == u"HTML") {
-        body.write(BodyKind::html, links_.EraseString(body.walk.body(), format));
+        body.walk.eraseNote();
+        body.walk.write();
         changed = true;
         continue;
       }
       if (format == u"RTF" && version != oldestVersion) {
-        body.walk.change(links_.EraseString(body.read(BodyKind::rtf), format));
-        body.write(BodyKind::rtf, markersNaming(body.walk.body(), name));
+        body.read(BodyKind::rtf);
+        body.walk.eraseNote();
+        body.nameMarkers(name);
       } else if (format == u"RTF") {
-        body.walk.change(markersNaming(body.read(BodyKind::plain), name));
-        body.write(BodyKind::plain, withoutNotes(body.walk.body(), fileName));
+        body.read(BodyKind::plain);
+        body.nameMarkers(name);
+        eraseNotes(body.walk, fileName);
       } else {
-        const Text note = link_note::plain(ports_.paths.linkTo(fileName));
-        Text rest = replaceAll(body.read(BodyKind::plain), note, u"");
-        body.write(BodyKind::plain,
-                   version == nextVersion ? withoutLeadingLineBreaks(std::move(rest)) : rest);
+        body.read(BodyKind::plain);
+        body.replaceAll(link_note::plain(ports_.paths.linkTo(fileName)), u"");
+        if (version == nextVersion) body.removeLeadingLineBreaks();
       }
+      body.walk.write();
       safe->save();
     }
     at(7);

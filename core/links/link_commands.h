@@ -24,7 +24,7 @@ class LinkCommands {
 
   Text version2();
   void removePaperclips(const Ref<Item>& item);
-  Text withoutNotes(TextView plain, TextView fileName);
+  void eraseNotes(LinkWalk& walk, TextView fileName);
 
   LinkPorts ports_;
   MailHelper& mailHelper_;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/links/link_note.h"
+
 namespace quillfile {
 
 bool LinkWalk::next() {
@@ -11,11 +13,13 @@ bool LinkWalk::next() {
   if (shorter && position_ > 0) position_ = std::max(searchedFrom_, position_ - cut_);
   searchedFrom_ = position_;
   cut_ = grown_ = 0;
-  return links_.CheckForLink(body_, position_, format_, fileName_, fieldStyle_);
+  return links_.CheckForLink(body(), position_, format_, fileName_, fieldStyle_);
 }
 
-void LinkWalk::read(BodyKind kind, Text body) {
+void LinkWalk::read(BodyKind kind, std::unique_ptr<WorkingCopy> body) {
   const Position before = length();
+  const bool isTheSame = body->text().data() == body_->text().data();  // lent once more
+  if (!isTheSame) clear_ = 1;
   body_ = std::move(body);
   if (kind == kind_) {
     grown_ += std::max<Position>(0, length() - before);
@@ -26,10 +30,23 @@ void LinkWalk::read(BodyKind kind, Text body) {
   cut_ = grown_ = 0;
 }
 
-void LinkWalk::change(Text body) {
+void LinkWalk::replace(Position begin, Position end, TextView replacement) {
   const Position before = length();
-  body_ = std::move(body);
+  body_->replace(begin, end, replacement);
   cut_ += std::max<Position>(0, before - length());
+  // What now stands together may make a phrase.
+  clear_ = std::max<Position>(1, std::min(clear_, begin - static_cast<Position>(link_note::phrase.size())));
+}
+
+Position LinkWalk::firstPhrase() {
+  const auto found = links_.findUnbrokenPhrase(body(), clear_);
+  return clear_ = found > 0 ? found : length() + 1;
+}
+
+void LinkWalk::eraseNote() {
+  const auto [begin, end] =
+      links_.noteToErase(body(), format_, firstPhrase()).value_or(Stretch{1, length() + 1});
+  replace(begin, end, u"");
 }
 
 }  // namespace quillfile

@@ -6,39 +6,50 @@
 // forward in it.
 #pragma once
 
+#include <memory>
+
 #include "core/links/quillfile_extended.h"
+#include "core/platform/item.h"
 
 namespace quillfile {
 
 class LinkWalk {
  public:
-  LinkWalk(QuillfileExtended& links, TextView format, bool fieldStyle, BodyKind kind, Text body)
+  LinkWalk(QuillfileExtended& links, TextView format, bool fieldStyle, BodyKind kind,
+           std::unique_ptr<WorkingCopy> body)
       : links_(links), format_(format), fieldStyle_(fieldStyle), kind_(kind), body_(std::move(body)) {}
 
   // Goes to the next link; false when there is none.
   bool next();
 
   const Text& fileName() const { return fileName_; }  // of the link it stands at
-  const Text& body() const { return body_; }
-  Position position() const { return position_; }  // where it goes on
+  TextView body() const { return body_->text(); }     // until it is changed or read
+  Position position() const { return position_; }     // where it goes on
 
   // The body was read anew. One of another kind than before is another text: the walk begins again in it.
-  void read(BodyKind kind, Text body);
-  // Something was cut out of the body, or replaced in it.
-  void change(Text body);
+  void read(BodyKind kind, std::unique_ptr<WorkingCopy> body);
+  void replace(Position begin, Position end, TextView replacement);
+  // Takes the note out that EraseString would; where that finds none, the body becomes empty.
+  void eraseNote();
+  void write() { body_->write(); }
+
+  // Where the first unbroken phrase of a note stands in the body; behind its end when there is none. What was
+  // searched for it once is not searched again.
+  Position firstPhrase();
 
  private:
-  Position length() const { return static_cast<Position>(body_.size()); }
+  Position length() const { return static_cast<Position>(body().size()); }
 
   QuillfileExtended& links_;
   Text format_;
   bool fieldStyle_;
   BodyKind kind_;
-  Text body_;
+  std::unique_ptr<WorkingCopy> body_;
   Text fileName_;
   Position position_ = 1;
   Position searchedFrom_ = 1;
   Position cut_ = 0;    // since the last search
+  Position clear_ = 1;  // no unbroken phrase begins before
   Position grown_ = 0;  // by being read anew: where what was written was not kept as it was
 };
 

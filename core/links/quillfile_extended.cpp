@@ -24,8 +24,8 @@ Position QuillfileExtended::findPhrase(TextView body, Position start) {
                          false);
 }
 
-Text QuillfileExtended::folded(TextView text, CompareMode compare) {
-  return compare == CompareMode::exact ? Text{text} : ports_.letters.lower(text);
+Position QuillfileExtended::findUnbrokenPhrase(TextView body, Position start) {
+  return find(body, link_note::phrase, start, CompareMode::ignoring_case);
 }
 
 Position QuillfileExtended::InStrIgnoreLfCr(Position start, TextView text, TextView keyword, TextView phrase,
@@ -33,16 +33,11 @@ Position QuillfileExtended::InStrIgnoreLfCr(Position start, TextView text, TextV
   constexpr TextView name = u"InStrIgnoreLfCr";
   const auto whole = find(text, phrase, start, compare);
   if (whole > 0) return returnEnd ? whole + lengthOf(phrase) : whole;
-  // Folded once: a body may be nothing but keywords.
-  const Text body = folded(text, compare), word = folded(keyword, compare), wanted = folded(phrase, compare);
-  const auto slice = [&](TextView of, Position at) {
-    return replaceAll(middle(of, at, lengthOf(phrase) + lengthOf(keyword)), lineBreak, u" ");
-  };
-  for (auto at = quillfile::find(body, word, start); at > 0; at = quillfile::find(body, word, at + 1)) {
-    const auto shown = [&] { return slice(text, at); };
-    trace_(name, u"Slice: {}", shown);
-    if (quillfile::find(slice(body, at), wanted) > 0) return returnEnd ? at + lengthOf(phrase) + 1 : at;
-    trace_(name, u"Phrase '{}' not found in {}", phrase, shown);
+  for (auto at = find(text, keyword, start, compare); at > 0; at = find(text, keyword, at + 1, compare)) {
+    const Text slice = replaceAll(middle(text, at, lengthOf(phrase) + lengthOf(keyword)), lineBreak, u" ");
+    trace_(name, u"Slice: {}", slice);
+    if (find(slice, phrase, 1, compare) > 0) return returnEnd ? at + lengthOf(phrase) + 1 : at;
+    trace_(name, u"Phrase '{}' not found in {}", phrase, slice);
   }
   trace_(name, u"keyword not found in {}", text);
   return 0;

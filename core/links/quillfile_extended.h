@@ -6,6 +6,8 @@
 // at 1, 0 is "not found". No procedure throws.
 #pragma once
 
+#include <optional>
+
 #include "core/module/procedure.h"
 #include "core/module/trace.h"
 #include "core/platform/letter_case.h"
@@ -20,6 +22,11 @@ struct LinkPorts {
   LetterCase& letters;
   LinkedFiles& linkedFiles;
   PathRules paths;
+};
+
+// What stands in a text from position `begin` up to `end`.
+struct Stretch {
+  Position begin, end;
 };
 
 enum class CompareMode : std::int32_t { exact = 0, ignoring_case = 1 };
@@ -44,6 +51,11 @@ class QuillfileExtended {
   // `body` without its first note and the paragraph around it; empty when nothing was erased. A note in plain
   // text is its caller's to erase.
   Text EraseString(TextView body, TextView format);
+  // What EraseString leaves out; none where it answers with an empty text because it found nothing to erase.
+  // For whoever knows that no unbroken phrase stands before `start`.
+  std::optional<Stretch> noteToErase(TextView body, TextView format, Position start = 1);
+  // The first phrase at or after `start` that no line break divides; 0 when there is none.
+  Position findUnbrokenPhrase(TextView body, Position start);
 
   // The path that a note means: "%20" in it is a blank, but where the path rules allow a name to hold it and
   // a file of that very name is there.
@@ -60,15 +72,13 @@ class QuillfileExtended {
 
  private:
   Position find(TextView text, TextView wanted, Position start, CompareMode compare);
-  Text folded(TextView text, CompareMode compare);
   Position findPhrase(TextView body, Position start);
   bool checkHtml(TextView body, Position& position, Text& path);
   bool checkText(TextView body, Position& position, TextView format, Text& path);
   void checkField(TextView body, Position& position, Text& path, bool fieldStyle);
-  Text eraseHtml(TextView body);
-  Text eraseRtf(TextView body);
+  std::optional<Stretch> noteInHtml(TextView body, Position found);
+  std::optional<Stretch> noteInRtf(TextView body, Position start);
   Position endOfRtfNote(TextView body, Position start);
-  Text without(TextView body, Position start, Position end);
 
   LinkPorts ports_;
   Trace trace_;

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "core/platform/attachment.h"
 #include "core/platform/date_time.h"
 #include "core/platform/reference.h"
 #include "core/platform/subscription.h"
+#include "core/platform/working_copy.h"
 #include "core/text/text.h"
 
 namespace quillfile {
@@ -66,6 +68,8 @@ class SafeItem {
   virtual Ref<Attachments> attachments() = 0;
   virtual Text body(BodyKind kind) = 0;  // Body, HTMLBody, RTFBody; empty where the item has none
   virtual void setBody(BodyKind kind, TextView text) = 0;
+  // body(), to be changed and given to setBody() by its write(). The item must outlive it.
+  virtual std::unique_ptr<WorkingCopy> workingCopy(BodyKind kind);
   virtual void save() = 0;
   virtual void saveAs(TextView path, SaveAsType type) = 0;
 };

@@ -9,7 +9,9 @@ class LetterCase {
  public:
   virtual ~LetterCase() = default;
   // `text` in lower case, unit for unit: the result has the length of `text`, so that positions in the one
-  // are positions in the other. A letter whose lower case needs another number of units stays as it is.
+  // are positions in the other. A letter whose lower case needs another number of units stays as it is. By
+  // Unicode's tables ASCII becomes ASCII, A to Z alone change in it, and what lies beyond becomes ASCII in
+  // two letters only: "i" (of U+0130) and "k" (of U+212A).
   virtual Text lower(TextView text) = 0;
 };
 

@@ -261,5 +261,107 @@ class AnyPath(Case):
         self.assertNotIn(b"file://", self.home.message())
 
 
+class WrappedByAnotherProgram(Case):
+    """A note that another program broke over lines: the file is found or the note is left standing, and said so."""
+
+    NAME = "a report of some length for the year 2009.pdf"
+
+    def clear(self):
+        for path in [*self.home.messages(), *self.home.messages("Drafts"), *self.home.saved.glob("*")]:
+            path.unlink()
+
+    def stripped(self, **content) -> str:
+        """A saved message, and the path of its file."""
+        self.home.set(RemoveAttachment=1, AddURL=1)
+        self.home.add(mail(files=[(self.NAME, b"%PDF")], **content))
+        self.assertDone(self.home.run("save"))
+        return f"{self.home.saved}/{self.NAME}"
+
+    def rewrite(self, old: str, new: str):
+        (path,) = self.home.messages()
+        content = path.read_bytes()
+        self.assertEqual(content.count(old.encode()), 1, content)
+        path.write_bytes(content.replace(old.encode(), new.encode()))
+
+    def text(self, content: bytes, kind: str) -> str:
+        return parsed(content).get_body((kind,)).get_content()
+
+    def draft(self) -> bytes:
+        (path,) = self.home.messages("Drafts")
+        return path.read_bytes()
+
+    def files(self, content: bytes) -> list:
+        return [data for _, name, data in attached(content) if name != "Paperclip.ico"]
+
+    def test_soft_breaks_of_quoted_printable_are_none(self):
+        for kind in ("plain", "html"):
+            with self.subTest(kind):
+                self.clear()
+                link = self.stripped(**({"text": None, "html": "<html><body><p>x</p></body></html>"} if kind == "html" else {}))
+                (path,) = self.home.messages()
+                message = parsed(path.read_bytes())
+                body = message.get_body((kind,))
+                text = body.get_content()
+                self.assertIn(link, text)
+                quoted = text.replace("=", "=3D").replace("Attachment saved", "Attach=\nment sav=\ned").replace("file://", "fi=\nle:=\n//")
+                (whole,) = [part for part in path.read_bytes().split(b"\n--") if b"Attachment saved to" in part]
+                self.assertIn(b"7bit", whole)
+                head = whole.split(b"\n\n", 1)[0].replace(b"7bit", b"quoted-printable")
+                path.write_bytes(path.read_bytes().replace(whole, head + b"\n\n" + quoted.rstrip("\n").encode()))
+                self.assertEqual(self.text(self.home.message(), kind).rstrip("\n"), text.rstrip("\n"))
+                self.assertDone(self.home.run("forward", "1"))
+                self.assertEqual(self.files(self.draft()), [b"%PDF"])
+                self.assertNotIn("file://", self.text(self.draft(), kind))
+                self.assertDone(self.home.run("restore", "1"))
+                self.assertEqual(self.files(self.home.message()), [b"%PDF"])
+                self.assertNotIn("file://", self.text(self.home.message(), kind))
+
+    def test_a_line_that_ends_between_words_of_a_text_note_loses_no_file_and_no_link(self):
+        for name, old, new in (
+                ("hard, in the phrase", "Attachment saved to <", "Attachment\nsaved to <"),
+                ("hard, behind the phrase", "saved to <file", "saved to\n<file"),
+                ("flowed", "saved to <file", "saved to \n<file")):
+            with self.subTest(name):
+                self.clear()
+                link = self.stripped()
+                self.rewrite(old, new)
+                self.assertDone(self.home.run("forward", "1"))
+                self.assertEqual(self.files(self.draft()), [b"%PDF"])
+                self.assertIn(link, self.text(self.draft(), "plain").replace("\n", " ").replace("  ", " "))
+                self.assertDone(self.home.run("restore", "1"))
+                self.assertEqual(self.files(self.home.message()), [b"%PDF"])
+                self.assertIn(link, self.text(self.home.message(), "plain"))
+
+    def test_a_line_that_ends_within_the_path_leaves_the_note_and_says_so(self):
+        link = self.stripped()
+        self.rewrite("of some", "of\nsome")
+        before = self.home.message()
+        done = self.home.run("restore", "1")
+        self.assertEqual(done.status, 1)
+        self.assertIn("is gone, so its link was left", done.err)
+        self.assertEqual(self.home.message(), before)
+        self.assertTrue((self.home.saved / self.NAME).exists(), link)
+
+    def test_a_page_whose_tag_was_broken_behind_the_link_keeps_the_note_and_says_so(self):
+        self.stripped(text=None, html="<html><body><p>x</p></body></html>")
+        self.rewrite('.pdf">', '.pdf"\n>')
+        before = self.home.message()
+        done = self.home.run("restore", "1")
+        self.assertEqual(done.status, 1)
+        self.assertIn("is gone, so its link was left", done.err)
+        self.assertEqual(self.home.message(), before)
+
+    def test_a_page_that_was_reflowed_between_tags(self):
+        self.stripped(text=None, html="<html><body><p>x</p></body></html>")
+        self.rewrite('<p>Attachment saved to <a href="', '<p\n>Attachment\nsaved to <a\nhref="')
+        self.rewrite("</a></p>", "</a>\n</p>")
+        self.assertDone(self.home.run("forward", "1"))
+        self.assertEqual(self.files(self.draft()), [b"%PDF"])
+        self.assertNotIn("file://", self.text(self.draft(), "html"))
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertEqual(self.files(self.home.message()), [b"%PDF"])
+        self.assertNotIn("file://", self.text(self.home.message(), "html"))
+
+
 if __name__ == "__main__":
     main()

@@ -19,7 +19,7 @@ Text bodyFrom(const std::uint8_t* data, std::size_t size, bool wide) {
 }
 
 void walk(QuillfileExtended& links, const PathRules& paths, TextView format, const Text& start) {
-  LinkWalk walk{links, format, true, BodyKind::plain, start};
+  LinkWalk walk{links, format, true, BodyKind::plain, std::make_unique<LooseCopy>(start)};
   std::size_t turns = 0, length = start.size();
   Position from = 0;
   while (walk.next()) {
@@ -28,8 +28,12 @@ void walk(QuillfileExtended& links, const PathRules& paths, TextView format, con
     length = walk.body().size();
     from = walk.position();
     const Text note = fill(u"Attachment saved to <{}>", paths.linkTo(walk.fileName()));
-    walk.change(format == u"TEXT" ? replaceAll(walk.body(), note, u"")
-                                  : links.EraseString(walk.body(), format));
+    if (format == u"TEXT") {
+      for (auto at = find(walk.body(), note); at > 0; at = find(walk.body(), note, at))
+        walk.replace(at, at + static_cast<Position>(note.size()), u"");
+    } else {
+      walk.eraseNote();
+    }
     require(walk.body().size() <= length);
   }
 }

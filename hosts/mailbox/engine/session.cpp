@@ -205,10 +205,11 @@ std::vector<std::string> Session::linksIn(MailboxItem& item) {
   TraceFile silent{""};
   QuillfileExtended reader{parts_->linkPorts(silent)};
   const Text format = item.bodyFormat();
-  const Text body = item.body(format == u"HTML" ? BodyKind::html : BodyKind::plain);
+  const auto body = MailboxSafeItem{item.shared_from_this()}.workingCopy(format == u"HTML" ? BodyKind::html
+                                                                                           : BodyKind::plain);
   std::vector<std::string> links;
   Text path;
-  for (Position position = 1; reader.CheckForLink(body, position, format, path, true) && position > 0;
+  for (Position position = 1; reader.CheckForLink(body->text(), position, format, path, true) && position > 0;
        path.clear()) {
     if (!path.empty()) links.push_back(toUtf8(path));
   }

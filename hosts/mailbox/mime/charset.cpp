@@ -102,20 +102,28 @@ class Converter {
 
   // Converts as much of `in` as it can, taking it away, and appends to `out`. False when it stopped at a bad
   // byte.
-  bool convert(std::string_view& in, std::string& out) { return run(&in, out); }
-  bool flush(std::string& out) { return run(nullptr, out); }
+  template <class Out>
+  bool convert(std::string_view& in, Out& out) {
+    return run(&in, out);
+  }
+  template <class Out>
+  bool flush(Out& out) {
+    return run(nullptr, out);
+  }
 
  private:
-  bool run(std::string_view* in, std::string& out) {
-    char buffer[4096];
+  template <class Out>  // of bytes, or of UTF-16 units
+  bool run(std::string_view* in, Out& out) {
+    using Unit = typename Out::value_type;
+    Unit buffer[4096 / sizeof(Unit)];
     char* from = in ? const_cast<char*>(in->data()) : nullptr;
     std::size_t left = in ? in->size() : 0;
     for (;;) {
-      char* to = buffer;
+      char* to = reinterpret_cast<char*>(buffer);
       std::size_t room = sizeof buffer;
       const auto result = iconv(handle_, in ? &from : nullptr, in ? &left : nullptr, &to, &room);
       const int error = errno;
-      out.append(buffer, sizeof buffer - room);
+      out.append(buffer, (sizeof buffer - room) / sizeof(Unit));
       if (in) in->remove_prefix(in->size() - left);
       if (result != static_cast<std::size_t>(-1)) return result == 0;
       if (error != E2BIG) return false;
@@ -124,13 +132,6 @@ class Converter {
 
   iconv_t handle_;
 };
-
-Text textOf(const std::string& utf16Bytes) {
-  Text text(utf16Bytes.size() / 2, u'\0');
-  std::copy(utf16Bytes.begin(), utf16Bytes.begin() + static_cast<std::ptrdiff_t>(text.size() * 2),
-            reinterpret_cast<char*>(text.data()));
-  return text;
-}
 
 Text latin1(std::string_view bytes) {
   Text text;
@@ -158,14 +159,15 @@ Text fromCharset(std::string_view bytes, std::string_view charset, Doubt* doubt)
     note(doubt, unknownCharset);
     return latin1(bytes);
   }
-  std::string out;
+  Text out;
+  out.reserve(bytes.size());
   while (!converter.convert(bytes, out)) {
     note(doubt, badBytes);
-    out.append(reinterpret_cast<const char*>(&replacement), sizeof replacement);
+    out += replacement;
     bytes.remove_prefix(std::min<std::size_t>(1, bytes.size()));
   }
   converter.flush(out);
-  return textOf(out);
+  return out;
 }
 
 Text guess(std::string_view bytes) {
@@ -190,8 +192,24 @@ std::optional<std::string> toCharset(TextView text, std::string_view charset) {
   return fits ? std::optional{out} : std::nullopt;
 }
 
+// In blocks, which compilers make a few instructions of.
 bool isAscii(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  constexpr std::size_t block = 256;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(block, bytes.size()))) {
+    unsigned char all = 0;
+    for (const char c : bytes.substr(0, block)) all |= static_cast<unsigned char>(c);
+    if (all >= 0x80) return false;
+  }
+  return true;
+}
+
+bool isAsciiIn(std::string_view bytes, std::string_view charset) {
+  const auto name = iconvName(charset);
+  if (!name) return false;
+  const auto known = lowerCase(*name);
+  const bool superset =
+      known.empty() || known == "utf-8" || known.starts_with("iso-8859-") || known.starts_with("windows-125");
+  return superset && isAscii(bytes);
 }
 
 bool isUtf8(std::string_view bytes) {

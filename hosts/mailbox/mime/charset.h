@@ -23,6 +23,8 @@ Text guess(std::string_view bytes);
 std::optional<std::string> toCharset(TextView text, std::string_view charset);
 
 bool isAscii(std::string_view bytes);
+// Whether each of the bytes is ASCII and stands for itself in the charset, so that they need no conversion.
+bool isAsciiIn(std::string_view bytes, std::string_view charset);
 bool isUtf8(std::string_view bytes);
 
 }  // namespace quillfile::mime

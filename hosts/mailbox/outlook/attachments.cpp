@@ -38,6 +38,9 @@ Removal MailboxAttachment::remove() {
   const auto added = std::find_if(item.changes().added.begin(), item.changes().added.end(),
                                   [&](const AddedAttachment& a) { return a.source == source_; });
   if (added != item.changes().added.end()) {
+    const auto& gone = item.opened().removedBefore;
+    const auto was = added->was ? std::find(gone.begin(), gone.end(), *added->was) : gone.end();
+    if (was != gone.end()) item.opened().awaited.emplace(was->path, was - gone.begin());
     item.changes().added.erase(added);
   } else {
     const auto saved = item.changes().saved.find(source_.get());
@@ -70,13 +73,11 @@ void MailboxAttachments::add(const NewAttachment& attachment) {
   AddedAttachment added{
       fileSource(attachment.source, bytesAt(client->setup().batch, path), attachment.displayName), {}};
   item.touch();
-  const auto& gone = item.removedBefore();
-  const auto known = std::find_if(gone.begin(), gone.end(), [&](const RemovedPart& part) {
-    const bool taken = std::any_of(item.changes().added.begin(), item.changes().added.end(),
-                                   [&](const AddedAttachment& other) { return other.was == part; });
-    return part.path == path && !taken;
-  });
-  if (known != gone.end()) added.was = *known;
+  const auto known = item.opened().awaited.lower_bound({path, 0});
+  if (known != item.opened().awaited.end() && known->first == path) {
+    added.was = item.opened().removedBefore[known->second];
+    item.opened().awaited.erase(known);
+  }
   sources.push_back(added.source);
   item.changes().added.push_back(std::move(added));
 }

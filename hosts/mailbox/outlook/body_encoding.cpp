@@ -163,8 +163,10 @@ std::optional<std::vector<ByteHunk>> base64Hunks(std::string_view encoded, const
 }  // namespace
 
 std::string applied(std::string_view bytes, const std::vector<ByteHunk>& hunks) {
+  std::size_t size = bytes.size(), at = 0;
+  for (const auto& hunk : hunks) size += hunk.bytes.size();
   std::string result;
-  std::size_t at = 0;
+  result.reserve(size);
   for (const auto& hunk : hunks) {
     result.append(bytes.substr(at, hunk.begin - at)).append(hunk.bytes);
     at = hunk.end;

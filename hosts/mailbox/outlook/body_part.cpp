@@ -1,5 +1,7 @@
 #include "hosts/mailbox/outlook/body_part.h"
 
+#include <algorithm>
+
 #include "hosts/mailbox/mime/charset.h"
 #include "hosts/mailbox/outlook/body_encoding.h"
 
@@ -9,55 +11,96 @@ namespace {
 // A part's bytes without their transfer encoding, and the text that they are in its charset, lines as they
 // come.
 struct Decoded {
-  std::string bytes;
+  std::string_view bytes;
   std::string charset;
+  bool ascii = false;  // a byte is a unit, and there is no need for `text`
   Text text;
   mime::Doubt doubt;
+  std::string own;  // the bytes, where they do not stand in the message as they are
+
+  // Calls `use` with the text, in units of one size or the other.
+  template <class Use>
+  auto withText(Use&& use) const {
+    return ascii ? use(bytes) : use(TextView{text});
+  }
 };
 
 Decoded decodedPart(const mime::PartTree& tree, mime::PartIndex part) {
   Decoded result;
-  result.bytes = mime::decoded(tree[part].encoding, tree.body(part), &result.doubt);
+  if (tree[part].encoding == mime::Encoding::identity) {
+    result.bytes = tree.body(part);
+  } else {
+    result.own = mime::decoded(tree[part].encoding, tree.body(part), &result.doubt);
+    result.bytes = result.own;
+  }
   result.charset = tree.type(part).parameters.bytes("charset").value_or("");
+  result.ascii = mime::isAsciiIn(result.bytes, result.charset);
+  if (result.ascii) return result;
   mime::Doubt doubt;
   result.text = mime::fromCharset(result.bytes, result.charset, &doubt);
   if (result.doubt.empty()) result.doubt = doubt;
   return result;
 }
 
-Text withPairedLineEnds(TextView text) {
-  Text result;
-  result.reserve(text.size() + text.size() / 32);
-  for (std::size_t at = 0; at < text.size();) {
-    const auto end = text.find(u'\n', at);
-    if (end == TextView::npos) return result += text.substr(at);
-    result += text.substr(at, end - at);
-    if (end == 0 || text[end - 1] != u'\r') result += u'\r';
-    result += u'\n';
-    at = end + 1;
+// Calls `line` with each line of a text as it came, without its line end, and whether it has one.
+template <class View, class Line>
+void forLines(View text, Line&& line) {
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    if (end == View::npos) return line(text, false);
+    line(text.substr(0, end > 0 && text[end - 1] == '\r' ? end - 1 : end), true);
+    text.remove_prefix(end + 1);
   }
+}
+
+template <class View>
+Text withPairedLineEnds(View text) {
+  std::size_t size = 0;
+  forLines(text, [&](View line, bool ends) { size += line.size() + (ends ? 2 : 0); });
+  Text result;
+  result.reserve(size);
+  forLines(text, [&](View line, bool ends) {
+    result.append(line.begin(), line.end());
+    if (ends) result += u"\r\n";
+  });
   return result;
+}
+
+// Whether `paired` is the text with its line ends paired.
+template <class View>
+bool isPaired(View text, TextView paired) {
+  bool same = true;
+  forLines(text, [&](View line, bool ends) {
+    same = same && line.size() <= paired.size() && std::equal(line.begin(), line.end(), paired.begin());
+    if (!same) return;
+    paired.remove_prefix(line.size());
+    if (!ends) return;
+    same = startsWith(paired, u"\r\n");
+    if (same) paired.remove_prefix(2);
+  });
+  return same && paired.empty();
 }
 
 // From places in a text whose line ends are paired to places in the text as it came. Asked in ascending
 // order.
+template <class View>
 class AsItCame {
  public:
-  explicit AsItCame(TextView text) : text_(text) { lineEnd_ = text.find(u'\n'); }
+  explicit AsItCame(View text) : text_(text) { lineEnd_ = text.find('\n'); }
   std::size_t at(std::size_t paired) {
-    while (lineEnd_ != TextView::npos) {
-      const bool bare = lineEnd_ == 0 || text_[lineEnd_ - 1] != u'\r';
+    while (lineEnd_ != View::npos) {
+      const bool bare = lineEnd_ == 0 || text_[lineEnd_ - 1] != '\r';
       const std::size_t next = paired_ + (lineEnd_ - raw_) + (bare ? 2 : 1);
       if (next > paired) break;
       paired_ = next;
       raw_ = lineEnd_ + 1;
-      lineEnd_ = text_.find(u'\n', raw_);
+      lineEnd_ = text_.find('\n', raw_);
     }
     return raw_ + (paired - paired_);
   }
 
  private:
-  TextView text_;
+  View text_;
   std::size_t raw_ = 0, paired_ = 0;  // where the line that was reached begins
   std::size_t lineEnd_;               // and where it ends
 };
@@ -67,7 +110,8 @@ class ByteOffsets {
  public:
   explicit ByteOffsets(const Decoded& from) : from_(from) {
     const auto name = mime::lowerCase(from.charset);
-    oneEach_ = from.bytes.size() == from.text.size();
+    oneEach_ = from.ascii || from.bytes.size() == from.text.size();
+    if (oneEach_) return;
     utf8_ = name == "utf-8" || name == "utf8" || (mime::isUtf8(from.bytes) && !name.starts_with("utf-16"));
   }
   // None when the charset has states or forms that cannot be found again.
@@ -114,26 +158,36 @@ std::string_view lineEndOf(std::string_view bytes, std::string_view otherwise) {
 // The hunks of the text as hunks of the decoded bytes.
 std::optional<std::vector<ByteHunk>> byteHunks(const Decoded& decoded, const TextChange& change,
                                                std::string_view lineEnd) {
-  AsItCame places{decoded.text};
   ByteOffsets offsets{decoded};
-  std::vector<ByteHunk> result;
-  for (const auto& hunk : change.hunks()) {
-    const auto begin = offsets.at(places.at(hunk.begin));
-    const auto end = begin ? offsets.at(places.at(hunk.end)) : begin;
-    const auto wanted = lineEnd == "\n" ? replaceAll(hunk.replacement, u"\r\n", u"\n") : hunk.replacement;
-    auto bytes = mime::toCharset(wanted, writingCharset(decoded));
-    if (!end || !bytes) return std::nullopt;
-    result.push_back({*begin, *end, std::move(*bytes)});
-  }
-  const auto read = mime::fromCharset(applied(decoded.bytes, result), decoded.charset);
-  return withPairedLineEnds(read) == change.current() ? std::optional{result} : std::nullopt;
+  const auto charset = writingCharset(decoded);
+  const auto hunksIn = [&](auto text) -> std::optional<std::vector<ByteHunk>> {
+    AsItCame places{text};
+    std::vector<ByteHunk> result;
+    for (const auto& hunk : change.hunks()) {
+      const auto begin = offsets.at(places.at(hunk.begin));
+      const auto end = begin ? offsets.at(places.at(hunk.end)) : begin;
+      const auto wanted = lineEnd == "\n" ? replaceAll(hunk.replacement, u"\r\n", u"\n") : hunk.replacement;
+      auto bytes = mime::toCharset(wanted, charset);
+      if (!end || !bytes) return std::nullopt;
+      result.push_back({*begin, *end, std::move(*bytes)});
+    }
+    return result;
+  };
+  auto result = decoded.withText(hunksIn);
+  if (!result) return result;
+  // The proof: what the changed bytes say is what was wanted.
+  const auto bytes = applied(decoded.bytes, *result);
+  const bool right = mime::isAsciiIn(bytes, decoded.charset)
+                         ? isPaired(std::string_view{bytes}, change.current())
+                         : isPaired(TextView{mime::fromCharset(bytes, decoded.charset)}, change.current());
+  return right ? result : std::nullopt;
 }
 
 }  // namespace
 
 BodyText bodyText(const mime::PartTree& tree, mime::PartIndex part) {
   const auto decoded = decodedPart(tree, part);
-  return {withPairedLineEnds(decoded.text), decoded.doubt};
+  return {decoded.withText([](auto text) { return withPairedLineEnds(text); }), decoded.doubt};
 }
 
 std::optional<std::vector<Splice>> bodySplices(const mime::PartTree& tree, mime::PartIndex part,

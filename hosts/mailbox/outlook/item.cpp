@@ -21,8 +21,8 @@ MailboxItem::MailboxItem(std::weak_ptr<MailClient> client, std::shared_ptr<const
                          std::vector<AddedAttachment> carried, std::vector<RemovedPart> removedBefore)
     : client_(std::move(client)) {
   opened().message = std::move(message);
-  opened().removedBefore = std::move(removedBefore);
   changes().added = std::move(carried);
+  remember(std::move(removedBefore));
 }
 
 std::shared_ptr<MailClient> MailboxItem::client() const {
@@ -37,7 +37,7 @@ std::shared_ptr<const Message> MailboxItem::message() {
   if (!file && !uniqueBefore_.empty()) file = folder_->open(unique_ = uniqueBefore_);
   if (!file) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
   opened().message = withContainersOpened(std::make_shared<const Message>(std::move(file)));
-  opened().removedBefore = removedParts(opened().message->header());
+  remember(removedParts(opened().message->header()));
   client()->underWay(shared_from_this());
   return opened().message;
 }
@@ -109,6 +109,16 @@ void MailboxItem::setBody(BodyKind kind, TextView text) {
   bodies().set(kind, text);
 }
 
+bool MailboxItem::ownsBody(BodyKind kind) { return bodies().own(kind) != nullptr; }
+
+TextView MailboxItem::ownBody(BodyKind kind) { return bodies().own(kind)->current(); }
+
+void MailboxItem::replaceInBody(BodyKind kind, Position begin, Position end, TextView replacement) {
+  touch();
+  bodies().own(kind)->replace(static_cast<std::size_t>(begin - 1), static_cast<std::size_t>(end - 1),
+                              replacement);
+}
+
 void MailboxItem::save() {
   bool cancel = false;
   listeners_.deliver([&](ItemEvents& listener) { listener.onWrite(cancel); });
@@ -159,6 +169,12 @@ void MailboxItem::readAnew() {
   handedOver_ = false;
   client()->settle(*folder_);
   forget();
+}
+
+void MailboxItem::remember(std::vector<RemovedPart> removed) {
+  opened().awaited.clear();
+  for (std::size_t i = 0; i < removed.size(); ++i) opened().awaited.emplace(removed[i].path, i);
+  opened().removedBefore = std::move(removed);
 }
 
 Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* file) {

@@ -4,7 +4,9 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/platform/item.h"
@@ -50,6 +52,9 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   std::int64_t size();        // bytes of the message
   Text body(BodyKind kind);   // as changed; lines end in CR LF
   void setBody(BodyKind kind, TextView text);
+  bool ownsBody(BodyKind kind);     // the body is the message's own, not made from another one
+  TextView ownBody(BodyKind kind);  // such a body, until it or the item changes
+  void replaceInBody(BodyKind kind, Position begin, Position end, TextView replacement);
   void saveQuietly();  // save without the Write event, as the mail-helper's wrapper does
 
   // --- The user's doings, with their events.
@@ -82,6 +87,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
     std::optional<ItemBodies> bodies;
     std::optional<AttachmentSources> sources;
     std::vector<RemovedPart> removedBefore;
+    std::set<std::pair<std::string, std::size_t>> awaited;  // those not put back: path, and index of the part
     ItemChanges changes;
   };
 
@@ -93,6 +99,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   // Something is about to change: what went to the batch before must be on disk, and is read anew.
   void touch();
   void readAnew();
+  void remember(std::vector<RemovedPart> removed);
   void forget() { opened_.reset(); }
   // Why the attachment must stay in the message, a sentence; empty when it may go. `file` is what it was
   // saved to.

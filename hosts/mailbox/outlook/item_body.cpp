@@ -8,17 +8,35 @@
 namespace quillfile::mailbox {
 namespace {
 
-Text without(TextView text, TextView ends) { return replaceAll(text, ends, u""); }
-
 // The links of `before` that `after` has no more.
-std::vector<Text> lost(std::vector<Text> before, const std::vector<Text>& after) {
-  for (const auto& link : after) std::erase(before, link);
-  return before;
+Links lost(const std::vector<Text>& before, const std::vector<Text>& after) {
+  Links links{before.begin(), before.end()};
+  for (const auto& link : after) links.erase(link);
+  return links;
 }
 
-// `now`, or `clean` where the two differ in nothing but `ends`.
-Text preferred(TextView now, TextView clean, TextView ends) {
-  return Text{without(now, ends) == without(clean, ends) ? clean : now};
+// Whether two texts differ in nothing but `ends`.
+bool sameBut(TextView ends, TextView a, TextView b) {
+  const auto passOver = [&](TextView& text) {
+    while (startsWith(text, ends)) text.remove_prefix(ends.size());
+  };
+  for (;;) {
+    passOver(a), passOver(b);
+    if (a.empty() || b.empty()) return a.empty() && b.empty();
+    if (a.front() != b.front()) return false;
+    a.remove_prefix(1), b.remove_prefix(1);
+  }
+}
+
+// Takes the notes out of the original anew, with what came with them, where nothing else was changed.
+template <class Hunks>
+void takeOut(TextChange& change, TextView ends, Hunks&& hunksOf) {
+  Text original = change.original();
+  const auto gone = lost(linksInPlainText(original), linksInPlainText(change.current()));
+  if (gone.empty()) return;
+  const auto hunks = hunksOf(original, gone);
+  TextChange clean{std::move(original), hunks};
+  if (sameBut(ends, change.current(), clean.current())) change = std::move(clean);
 }
 
 }  // namespace
@@ -38,21 +56,38 @@ ItemBodies::Body& ItemBodies::body(BodyKind kind) {
   const auto at = part(kind);
   auto read = at == mime::noPart ? BodyText{} : bodyText(message_->tree(), at);
   message_->requireAsOpened();
+  if (kind == BodyKind::rtf) read.text = rtfUnescaped(read.text);
   return bodies_.emplace(kind, Body{TextChange{std::move(read.text)}, read.doubt}).first->second;
 }
 
+// A plain body that the message has not.
+bool ItemBodies::isMade(BodyKind kind) {
+  return kind == BodyKind::plain && part(kind) == mime::noPart && format() != u"TEXT" &&
+         !body(kind).change.changed();
+}
+
+// The rich text as it is written, with hunks of what it shows worked in.
+Text ItemBodies::rtfDocument(const std::vector<Hunk>& changes) const {
+  const auto rtf = bodyText(message_->tree(), part(BodyKind::rtf)).text;
+  return applied(rtf, rtfHunks(rtf, changes));
+}
+
 Text ItemBodies::text(BodyKind kind) {
-  const bool made = kind == BodyKind::plain && part(kind) == mime::noPart && !body(kind).change.changed();
-  if (made && format() == u"HTML") return htmlToText(withPlainNotes(text(BodyKind::html)));
-  if (made && format() == u"RTF") return rtfToText(body(BodyKind::rtf).change.current());
-  const Text& current = body(kind).change.current();
-  return kind == BodyKind::rtf ? rtfUnescaped(current) : current;
+  if (!isMade(kind)) return Text{body(kind).change.current()};
+  if (format() == u"HTML") return htmlToText(withPlainNotes(body(BodyKind::html).change.current()));
+  return rtfToText(rtfDocument(body(BodyKind::rtf).change.hunks()));
 }
 
 void ItemBodies::set(BodyKind kind, TextView text) {
   auto& change = body(kind).change;
-  change.set(kind == BodyKind::rtf ? rtfChanged(change.current(), text) : Text{text});
+  const bool endsInBrace = kind == BodyKind::rtf && text.ends_with(u'}');
+  if (endsInBrace)
+    change.set(Text{text}.append(behindDocument(change.current())));
+  else
+    change.set(text);
 }
+
+TextChange* ItemBodies::own(BodyKind kind) { return isMade(kind) ? nullptr : &body(kind).change; }
 
 bool ItemBodies::changed() const {
   for (const auto& [kind, body] : bodies_)
@@ -74,21 +109,14 @@ mime::Doubt ItemBodies::doubt() {
 
 void ItemBodies::dropBlankLinesOfNotes() {
   if (format() == u"TEXT") {
-    auto& change = body(BodyKind::plain).change;
-    const auto gone = lost(linksInPlainText(change.original()), linksInPlainText(change.current()));
-    if (!gone.empty())
-      change.set(preferred(change.current(), withoutNotes(change.original(), gone), u"\r\n"));
+    takeOut(body(BodyKind::plain).change, u"\r\n", notesToDrop);
   } else if (format() == u"RTF") {
-    auto& change = body(BodyKind::rtf).change;
-    Text clean = change.original();
-    for (const auto& link : lost(linksInPlainText(change.original()), linksInPlainText(change.current())))
-      clean = replaceAll(clean, fill(u"\\par\r\nAttachment saved to <{}>\\par", link), u"");
-    change.set(preferred(change.current(), clean, u"\\par\r\n"));
+    takeOut(body(BodyKind::rtf).change, u"\\par\r\n", rtfNotesToDrop);
   } else {
     // A body that holds nothing but the frame which the module made for its notes was empty.
     auto& change = body(BodyKind::html).change;
-    const bool framed = startsWith(change.original(), u"<Body><p>Attachment saved to");
-    if (framed && change.current() == u"<Body></Body>") change.set(u"");
+    const bool empty = change.current() == u"<Body></Body>";
+    if (empty && startsWith(change.original(), u"<Body><p>Attachment saved to")) change.set(u"");
   }
 }
 
@@ -99,9 +127,9 @@ void ItemBodies::apply(mime::Edit& edit, std::vector<Splice>& splices) {
     const bool html = format() == u"HTML";
     const auto& change = body(html ? BodyKind::html : BodyKind::rtf).change;
     if (change.changed()) {
-      plain.set(
-          html ? followHtml(plain.original(), change.original(), change.current())
-               : followText(plain.original(), rtfToText(change.original()), rtfToText(change.current())));
+      plain.set(html ? followHtml(plain.current(), change.original(), change.current())
+                     : followText(plain.current(), rtfToText(rtfDocument({})),
+                                  rtfToText(rtfDocument(change.hunks()))));
     }
   }
   for (auto& [kind, body] : bodies_)
@@ -116,13 +144,21 @@ void ItemBodies::apply(BodyKind kind, const Body& body, mime::Edit& edit, std::v
                  body.change.current());
     return;
   }
-  if (auto changes = bodySplices(message_->tree(), at, body.change)) {
+  // What rich text shows is another text than the one that is written.
+  std::optional<TextChange> written;
+  if (kind == BodyKind::rtf) {
+    auto rtf = rtfDocument({});
+    const auto hunks = rtfHunks(rtf, body.change.hunks());
+    written.emplace(std::move(rtf), hunks);
+  }
+  const TextChange& change = written ? *written : body.change;
+  if (auto changes = bodySplices(message_->tree(), at, change)) {
     splices.insert(splices.end(), std::make_move_iterator(changes->begin()),
                    std::make_move_iterator(changes->end()));
     return;
   }
   if (!body.doubt.empty()) throw failure("Could not write the message's text: " + toUtf8(body.doubt));
-  edit.setText(at, body.change.current());
+  edit.setText(at, change.current());
 }
 
 }  // namespace quillfile::mailbox

@@ -19,9 +19,11 @@ class ItemBodies {
   // "HTML", "RTF", "TEXT"
   TextView format() const;
   // Decoded at the first call. The plain body of a message that has none is made from the one it has. In rich
-  // text the characters that set() has to write as control words ("\u8364?") are characters.
+  // text the characters that are written as control words ("\u8364?") are characters.
   Text text(BodyKind kind);
   void set(BodyKind kind, TextView text);
+  // The text of a body that is the message's own, not made: null for any other. Until the bodies go.
+  TextChange* own(BodyKind kind);
   bool changed() const;
   // Why no body could be changed without harm; empty when every one can.
   mime::Doubt doubt();
@@ -40,6 +42,8 @@ class ItemBodies {
   };
   mime::PartIndex part(BodyKind kind) const;
   Body& body(BodyKind kind);
+  bool isMade(BodyKind kind);
+  Text rtfDocument(const std::vector<Hunk>& changes) const;
   void apply(BodyKind kind, const Body& body, mime::Edit& edit, std::vector<Splice>& splices);
 
   std::shared_ptr<const Message> message_;

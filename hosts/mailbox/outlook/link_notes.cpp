@@ -97,37 +97,64 @@ std::vector<Text> linksInPlainText(TextView text) {
   return links;
 }
 
+namespace {
+
 // Notes that stand together, with nothing but line ends between and around them, are one group: each note of
 // it came with two line ends, wherever the module put them, so the group leaves what there is beyond these.
-Text withoutNotes(TextView text, const std::vector<Text>& links) {
-  auto wanted = counted(links);
-  Text result;
-  std::size_t kept = 0;      // everything before is in the result
-  std::size_t lineEnds = 0;  // of the group so far
-  std::size_t notes = 0;
+template <class Wanted>
+std::vector<Hunk> groupsOfNotes(TextView text, Wanted&& wanted) {
+  std::vector<Hunk> groups;
+  std::size_t lineEnds = 0, notes = 0;  // of the last group
   const auto isLineEnd = [&](std::size_t at) { return text.substr(at, 2) == lineEnd; };
   const auto closeGroup = [&] {
-    for (std::size_t i = 2 * notes; i < lineEnds; ++i) result += lineEnd;
+    for (std::size_t i = 2 * notes; i < lineEnds; ++i) groups.back().replacement += lineEnd;
     lineEnds = notes = 0;
   };
   for (auto note = nextNote(text, 0); note.end != TextView::npos; note = nextNote(text, note.end)) {
-    const auto found = wanted.find(note.link);
-    if (found == wanted.end() || found->second == 0) continue;
-    --found->second;
+    if (!wanted(note.link)) continue;
+    const std::size_t kept = groups.empty() ? 0 : groups.back().end;
     std::size_t begin = note.begin;
     std::size_t before = 0;
     while (begin >= kept + 2 && isLineEnd(begin - 2)) begin -= 2, ++before;
     if (begin != kept || notes == 0) {
       closeGroup();
-      result += text.substr(kept, begin - kept);
+      groups.push_back({begin, begin, {}, {}});
     }
     lineEnds += before;
     ++notes;
-    kept = note.end;
-    while (isLineEnd(kept)) kept += 2, ++lineEnds;
+    auto& end = groups.back().end = note.end;
+    while (isLineEnd(end)) end += 2, ++lineEnds;
   }
   closeGroup();
-  return result += text.substr(kept);
+  return groups;
+}
+
+}  // namespace
+
+std::vector<Hunk> notesToDrop(TextView text, const Links& links) {
+  return groupsOfNotes(text, [&](TextView link) { return links.contains(link); });
+}
+
+std::vector<Hunk> rtfNotesToDrop(TextView rtf, const Links& links) {
+  constexpr TextView opening = u"\\par\r\n", closing = u"\\par";
+  std::vector<Hunk> hunks;
+  for (auto note = nextNote(rtf, 0); note.end != TextView::npos; note = nextNote(rtf, note.end)) {
+    const std::size_t kept = hunks.empty() ? 0 : hunks.back().end;
+    const bool alone = note.begin >= kept + opening.size() &&
+                       rtf.substr(note.begin - opening.size(), opening.size()) == opening &&
+                       startsWith(rtf.substr(note.end), closing);
+    if (alone && links.contains(note.link))
+      hunks.push_back({note.begin - opening.size(), note.end + closing.size(), {}, {}});
+  }
+  return hunks;
+}
+
+Text withoutNotes(TextView text, const std::vector<Text>& links) {
+  auto wanted = counted(links);
+  return applied(text, groupsOfNotes(text, [&](TextView link) {
+                   const auto found = wanted.find(link);
+                   return found != wanted.end() && found->second > 0 && found->second-- > 0;
+                 }));
 }
 
 Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd) {

@@ -3,11 +3,16 @@
 // follows here.
 #pragma once
 
+#include <functional>
+#include <set>
 #include <vector>
 
-#include "core/text/text.h"
+#include "hosts/mailbox/outlook/text_change.h"
 
 namespace quillfile::mailbox {
+
+// Links as their notes have them, to be asked for by views too.
+using Links = std::set<Text, std::less<>>;
 
 // The links of a body's notes, in order: "file:///home/u/a.pdf".
 std::vector<Text> linksInHtml(TextView html);
@@ -15,6 +20,11 @@ std::vector<Text> linksInPlainText(TextView text);
 
 // A page with its notes in their plain form, ready to be made text.
 Text withPlainNotes(TextView html);
+
+// What goes with the notes of these links: in plain text the two line ends that came with each, in rich text
+// the paragraph.
+std::vector<Hunk> notesToDrop(TextView text, const Links& links);
+std::vector<Hunk> rtfNotesToDrop(TextView rtf, const Links& links);
 
 // Without the notes of these links, and without the two line ends that came with each.
 Text withoutNotes(TextView text, const std::vector<Text>& links);

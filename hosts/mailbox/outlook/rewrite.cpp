@@ -1,6 +1,7 @@
 #include "hosts/mailbox/outlook/rewrite.h"
 
 #include <algorithm>
+#include <map>
 
 #include "hosts/mailbox/outlook/container.h"
 #include "hosts/mailbox/outlook/part_insertion.h"
@@ -18,7 +19,15 @@ class Rewriting {
         tree_(message->tree()),
         changes_(changes),
         removedBefore_(removedBefore),
-        edit_(tree_) {}
+        edit_(tree_) {
+    for (const auto& field : tree_.header(0).fields(removedPartField)) {
+      const auto told = removedParts(mime::Header{field.whole});
+      if (told.empty()) continue;
+      const auto begin = static_cast<std::size_t>(field.whole.data() - tree_.message().data());
+      told_.emplace(told.front().path,
+                    std::pair{told.front(), mime::Range{begin, begin + field.whole.size()}});
+    }
+  }
 
   Rewrite run(ItemBodies& bodies) {
     requireChangeable();
@@ -57,12 +66,10 @@ class Rewriting {
     result_.removed.push_back({taken.file, secondReading(message_, *part)});
     RemovedPart record{taken.file->asked, {}, 1, {}};  // the whole message: behind the text in its place
     if (*part != 0) {
-      const auto parent = tree_[*part].parent;
-      const auto siblings = tree_.children(parent);
-      const auto index = std::find(siblings.begin(), siblings.end(), *part) - siblings.begin();
-      record.boundary = boundaryOf(tree_, parent);
-      record.at =
-          oldPlaces(siblings.size(), record.boundary, removedBefore_)[static_cast<std::size_t>(index)];
+      const auto& [boundary, children, places] = siblings(tree_[*part].parent);
+      const auto index = std::lower_bound(children.begin(), children.end(), *part) - children.begin();
+      record.boundary = boundary;
+      record.at = places[static_cast<std::size_t>(index)];
     }
     auto lines = tree_.header(*part).block();
     while (const auto field = mime::takeField(lines)) {
@@ -102,10 +109,12 @@ class Rewriting {
 
   bool putBack(const AddedAttachment& added) {
     forget(*added.was);
-    const auto multipart = multipartOf(tree_, added.was->boundary);
+    const auto known = multiparts_.find(added.was->boundary);
+    const auto multipart =
+        known != multiparts_.end() ? known->second : multipartOf(tree_, added.was->boundary);
+    multiparts_.emplace(added.was->boundary, multipart);
     if (multipart == mime::noPart) return false;
-    const auto children = tree_.children(multipart);
-    const auto places = oldPlaces(children.size(), added.was->boundary, removedBefore_);
+    const auto& places = siblings(multipart, added.was->boundary).places;
     const auto before = static_cast<std::size_t>(
         std::lower_bound(places.begin(), places.end(), added.was->at) - places.begin());
     splices_.push_back(insertion(tree_, multipart, before, added.was->header, *added.source));
@@ -114,16 +123,31 @@ class Rewriting {
 
   // The message's header need not tell of the part any more.
   void forget(const RemovedPart& part) {
-    for (const auto& field : tree_.header(0).fields(removedPartField)) {
-      const auto told = removedParts(mime::Header{field.whole});
-      const auto begin = static_cast<std::size_t>(field.whole.data() - tree_.message().data());
-      const mime::Range range{begin, begin + field.whole.size()};
-      const bool known =
-          std::any_of(splices_.begin(), splices_.end(), [&](const Splice& s) { return s.range == range; });
-      if (told.empty() || told.front() != part || known) continue;
-      splices_.push_back({range, {}});
-      return;
-    }
+    const auto [first, last] = told_.equal_range(part.path);
+    const auto field =
+        std::find_if(first, last, [&](const auto& entry) { return entry.second.first == part; });
+    if (field == last) return;
+    splices_.push_back({field->second.second, {}});
+    told_.erase(field);
+  }
+
+  // The parts of a multipart, ascending, and where each once stood.
+  struct Siblings {
+    std::string boundary;
+    std::vector<mime::PartIndex> children;
+    std::vector<std::uint32_t> places;
+  };
+  const Siblings& siblings(mime::PartIndex multipart) {
+    return siblings(multipart, boundaryOf(tree_, multipart));
+  }
+  const Siblings& siblings(mime::PartIndex multipart, const std::string& boundary) {
+    const auto known = siblings_.find({multipart, boundary});
+    if (known != siblings_.end()) return known->second;
+    auto children = tree_.children(multipart);
+    auto places = oldPlaces(children.size(), boundary, removedBefore_);
+    return siblings_
+        .emplace(std::pair{multipart, boundary}, Siblings{boundary, std::move(children), std::move(places)})
+        .first->second;
   }
 
   // A multipart must have a part.
@@ -140,6 +164,9 @@ class Rewriting {
   const std::vector<RemovedPart>& removedBefore_;
   mime::Edit edit_;
   std::vector<Splice> splices_;
+  std::multimap<std::string, std::pair<RemovedPart, mime::Range>> told_;  // by path: the header's own fields
+  std::map<std::string, mime::PartIndex> multiparts_;                     // by boundary
+  std::map<std::pair<mime::PartIndex, std::string>, Siblings> siblings_;
   Rewrite result_;
 };
 

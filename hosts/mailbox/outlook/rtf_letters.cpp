@@ -101,46 +101,33 @@ Text rtfUnescaped(TextView rtf) {
   return result;
 }
 
-namespace {
-
-Text changedDocument(TextView rtf, TextView text) {
-  const Text shown = rtfUnescaped(rtf);
+std::vector<Hunk> rtfHunks(TextView rtf, const std::vector<Hunk>& shown) {
   Steps steps{rtf};
-  // Where the first difference begins, and the step that has it ends.
-  std::size_t begin = 0, beginShown = 0, endShown = 0, fallback = steps.fallback();
-  while (!steps.ended()) {
-    const auto step = steps.next();
-    endShown = beginShown + step.size();
-    if (text.substr(beginShown, step.size()) != step) break;
-    begin = steps.at();
-    beginShown = endShown;
-    fallback = steps.fallback();
+  // The step that was reached: where it stands, where and how much it shows, and the \uc in front of it.
+  std::size_t at = 0, shownAt = 0, size = 0, fallback = steps.fallback();
+  const auto place = [&](std::size_t wanted) {
+    while (shownAt + size <= wanted) {
+      shownAt += size;
+      at = steps.at();
+      fallback = steps.fallback();
+      size = steps.ended() ? wanted - shownAt + 1 : steps.next().size();
+    }
+    return at + (wanted - shownAt);  // within a step of two it is one that is shown as it stands
+  };
+  std::vector<Hunk> hunks;
+  for (const auto& hunk : shown) {
+    const auto begin = place(hunk.begin);
+    auto replacement = rtfEscaped(hunk.replacement, fallback);
+    hunks.push_back({begin, place(hunk.end), std::move(replacement), {}});
   }
-  const auto most = std::min(shown.size(), text.size()) - beginShown;
-  const auto same = static_cast<std::size_t>(
-      std::mismatch(shown.rbegin(), shown.rbegin() + static_cast<std::ptrdiff_t>(most), text.rbegin()).first -
-      shown.rbegin());
-  while (endShown < shown.size() - same) endShown += steps.next().size();
-  const bool inserted = beginShown == shown.size() - same;
-  const auto behind = shown.size() - (inserted ? beginShown : endShown);
-  return Text{rtf.substr(0, begin)} +
-         rtfEscaped(text.substr(beginShown, text.size() - behind - beginShown), fallback) +
-         Text{rtf.substr(inserted ? begin : steps.at())};
+  return hunks;
 }
 
-// The blanks and zeros behind the last brace, which are no part of the document.
-TextView tailOf(TextView rtf) {
+TextView behindDocument(TextView rtf) {
   const auto brace = rtf.rfind(u'}');
   const auto tail = brace == TextView::npos ? TextView{} : rtf.substr(brace + 1);
   return std::all_of(tail.begin(), tail.end(), [](char16_t unit) { return unit <= u' '; }) ? tail
                                                                                            : TextView{};
-}
-
-}  // namespace
-
-Text rtfChanged(TextView rtf, TextView text) {
-  const auto tail = text.ends_with(u'}') ? tailOf(rtf) : TextView{};
-  return changedDocument(rtf.substr(0, rtf.size() - tail.size()), text).append(tail);
 }
 
 }  // namespace quillfile::mailbox

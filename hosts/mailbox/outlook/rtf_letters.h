@@ -4,7 +4,9 @@
 // ends the word where it is 0). The module reads and writes them as the characters that they are.
 #pragma once
 
-#include "core/text/text.h"
+#include <vector>
+
+#include "hosts/mailbox/outlook/text_change.h"
 
 namespace quillfile::mailbox {
 
@@ -15,8 +17,11 @@ Text rtfEscaped(TextView text, std::size_t fallback = 1);
 // characters too.
 Text rtfUnescaped(TextView rtf);
 
-// `rtf` changed where `text` is another than rtfUnescaped(rtf): new characters are escaped, and all around
-// them stays as it was written.
-Text rtfChanged(TextView rtf, TextView text);
+// Hunks of what a document shows as hunks of the document: new characters are escaped, and all around them
+// stays as it was written.
+std::vector<Hunk> rtfHunks(TextView rtf, const std::vector<Hunk>& shown);
+
+// The blanks and zeros behind the last brace, which are no part of the document.
+TextView behindDocument(TextView rtf);
 
 }  // namespace quillfile::mailbox

@@ -17,6 +17,21 @@ class SmtpEntry final : public AddressEntry {
   Text address_;
 };
 
+// What is changed in it is changed in the item at once; on disk nothing changes before the item is saved.
+class LentBody final : public WorkingCopy {
+ public:
+  LentBody(std::shared_ptr<MailboxItem> item, BodyKind kind) : item_(std::move(item)), kind_(kind) {}
+  TextView text() const override { return item_->ownBody(kind_); }
+  void replace(Position begin, Position end, TextView replacement) override {
+    item_->replaceInBody(kind_, begin, end, replacement);
+  }
+  void write() override {}
+
+ private:
+  std::shared_ptr<MailboxItem> item_;
+  BodyKind kind_;
+};
+
 template <class Own, class Port>
 std::shared_ptr<Own> own(const Ref<Port>& object) {
   if (auto mine = std::dynamic_pointer_cast<Own>(object)) return mine;
@@ -31,6 +46,10 @@ Text MailboxSafeItem::senderEmailAddress() { return item_->sender().address; }
 Ref<Attachments> MailboxSafeItem::attachments() { return item_->attachments(); }
 Text MailboxSafeItem::body(BodyKind kind) { return item_->body(kind); }
 void MailboxSafeItem::setBody(BodyKind kind, TextView text) { item_->setBody(kind, text); }
+std::unique_ptr<WorkingCopy> MailboxSafeItem::workingCopy(BodyKind kind) {
+  if (!item_->ownsBody(kind)) return SafeItem::workingCopy(kind);
+  return std::make_unique<LentBody>(item_, kind);
+}
 void MailboxSafeItem::save() { item_->saveQuietly(); }
 void MailboxSafeItem::saveAs(TextView path, SaveAsType type) { mailbox::saveAs(*item_, path, type); }
 

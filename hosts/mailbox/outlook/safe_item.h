@@ -21,6 +21,7 @@ class MailboxSafeItem final : public SafeItem {
   Ref<Attachments> attachments() override;
   Text body(BodyKind kind) override;
   void setBody(BodyKind kind, TextView text) override;
+  std::unique_ptr<WorkingCopy> workingCopy(BodyKind kind) override;  // the item's own text, lent
   void save() override;
   void saveAs(TextView path, SaveAsType type) override;
 

@@ -6,12 +6,14 @@
 namespace quillfile::mailbox {
 namespace {
 
-bool highSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+// Whether two neighbours belong together: the halves of a line end, or of a surrogate pair.
+bool isPair(char16_t first, char16_t second) {
+  return (first == u'\r' && second == u'\n') || (first >= 0xD800 && first <= 0xDBFF);
+}
 
-// Whether a cut in front of `at` would part two units that belong together.
-bool parts(TextView text, std::size_t at) {
-  if (at == 0 || at >= text.size()) return false;
-  return (text[at - 1] == u'\r' && text[at] == u'\n') || highSurrogate(text[at - 1]);
+std::ptrdiff_t growth(const Hunk& hunk) {
+  return static_cast<std::ptrdiff_t>(hunk.replacement.size()) -
+         static_cast<std::ptrdiff_t>(hunk.end - hunk.begin);
 }
 
 struct Difference {
@@ -38,69 +40,125 @@ std::size_t commonBack(TextView a, TextView b, std::size_t most) {
 
 Difference difference(TextView before, TextView after) {
   const auto shorter = std::min(before.size(), after.size());
-  std::size_t front = commonFront(before, after, shorter);
-  while (front > 0 && (parts(before, front) || parts(after, front))) --front;
-  std::size_t back = commonBack(before, after, shorter - front);
-  while (back > 0 && (parts(before, before.size() - back) || parts(after, after.size() - back))) --back;
+  const std::size_t front = commonFront(before, after, shorter);
+  const std::size_t back = commonBack(before, after, shorter - front);
   return {front, before.size() - back, after.substr(front, after.size() - back - front)};
+}
+
+std::size_t plus(std::size_t at, std::ptrdiff_t distance) {
+  return static_cast<std::size_t>(static_cast<std::ptrdiff_t>(at) + distance);
 }
 
 }  // namespace
 
-TextChange::TextChange(Text original) : original_(std::move(original)) {}
+TextChange::TextChange(Text original, const std::vector<Hunk>& hunks) : TextChange(std::move(original)) {
+  for (auto hunk = hunks.rbegin(); hunk != hunks.rend(); ++hunk)
+    replace(hunk->begin, hunk->end, hunk->replacement);
+}
+
+Text TextChange::original() const {
+  Text result;
+  result.reserve(originalSize_);
+  const auto now = current();
+  std::size_t at = 0;
+  std::ptrdiff_t ahead = 0;
+  for (const auto& hunk : hunks_) {
+    const auto start = plus(hunk.begin, ahead);
+    result.append(now, at, start - at).append(hunk.was);
+    at = start + hunk.replacement.size();
+    ahead += growth(hunk);
+  }
+  return result.append(now, at, TextView::npos);
+}
 
 void TextChange::set(TextView next) {
   const auto [begin, end, text] = difference(current(), next);
-  if (begin == end && text.empty()) return;
-  replace(begin, end, Text{text});
-  Text kept{next};
-  current_ = std::move(kept);
-  changed_ = true;
+  replace(begin, end, text);
 }
 
-// `begin` and `end` count in the current text. The hunks that they touch become one with the new one.
-void TextChange::replace(std::size_t begin, std::size_t end, TextView text) {
-  std::vector<Hunk> hunks;
-  hunks.reserve(hunks_.size() + 1);
-  // How far the current text is ahead of the original behind the hunks passed so far.
-  std::ptrdiff_t ahead = 0;
-  const auto toOriginal = [&](std::size_t at) {
-    return static_cast<std::size_t>(static_cast<std::ptrdiff_t>(at) - ahead);
+void TextChange::replace(std::size_t begin, std::size_t end, TextView with) {
+  if (begin == end && with.empty()) return;
+  const auto now = current();
+  Text wider{with};
+  while (begin > 0 && ((begin < now.size() && isPair(now[begin - 1], now[begin])) ||
+                       (!wider.empty() && isPair(now[begin - 1], wider.front())) ||
+                       (wider.empty() && end < now.size() && isPair(now[begin - 1], now[end]))))
+    wider.insert(wider.begin(), now[--begin]);
+  while (end < now.size() &&
+         ((end > 0 && isPair(now[end - 1], now[end])) || (!wider.empty() && isPair(wider.back(), now[end]))))
+    wider += now[end++];
+  record(begin, end, wider);
+  move(begin, end, wider);
+}
+
+// `begin` and `end` count in the current text. The hunks that they touch become one with the new one. Changes
+// mostly go forward in a text, so the search for these begins at the last hunk.
+void TextChange::record(std::size_t begin, std::size_t end, TextView with) {
+  const auto now = current();
+  // How far the current text is ahead of the original behind hunk `last`.
+  auto ahead = static_cast<std::ptrdiff_t>(now.size()) - static_cast<std::ptrdiff_t>(originalSize_);
+  auto last = hunks_.size();
+  const auto startOf = [&](std::size_t i, std::ptrdiff_t behind) {
+    return plus(hunks_[i].begin, behind - growth(hunks_[i]));
   };
-  std::size_t i = 0;
-  const auto grow = [&](const Hunk& hunk) {
-    ahead += static_cast<std::ptrdiff_t>(hunk.replacement.size()) -
-             static_cast<std::ptrdiff_t>(hunk.end - hunk.begin);
-  };
-  const auto startOf = [&](const Hunk& hunk) {
-    return static_cast<std::size_t>(static_cast<std::ptrdiff_t>(hunk.begin) + ahead);
-  };
-  for (; i < hunks_.size() && startOf(hunks_[i]) + hunks_[i].replacement.size() < begin; ++i) {
-    grow(hunks_[i]);
-    hunks.push_back(std::move(hunks_[i]));
-  }
-  Hunk merged{toOriginal(begin), 0, {}};
-  for (; i < hunks_.size() && startOf(hunks_[i]) <= end; ++i) {
-    const Hunk& hunk = hunks_[i];
-    const std::size_t start = startOf(hunk), stop = start + hunk.replacement.size();
-    if (start < begin) merged.replacement.append(hunk.replacement, 0, begin - start);
-    merged.begin = std::min(merged.begin, hunk.begin);
+  for (; last > 0 && startOf(last - 1, ahead) > end; --last) ahead -= growth(hunks_[last - 1]);
+  auto first = last;
+  auto before = ahead;  // and in front of hunk `first`
+  for (; first > 0 && startOf(first - 1, before) + hunks_[first - 1].replacement.size() >= begin; --first)
+    before -= growth(hunks_[first - 1]);
+
+  Hunk merged{plus(begin, -before), plus(end, -ahead), {}, {}};
+  Text tail;
+  std::size_t at = begin;
+  for (std::size_t i = first; i < last; ++i) {
+    auto& hunk = hunks_[i];
+    const auto start = plus(hunk.begin, before), stop = start + hunk.replacement.size();
+    if (start < begin) merged.begin = hunk.begin;
+    if (start > at) merged.was.append(now, at, start - at);
     if (stop > end) {  // its tail stands behind what is replaced
-      merged.replacement.append(text);
-      merged.replacement.append(hunk.replacement, end - start, TextView::npos);
       merged.end = hunk.end;
-      hunks.push_back(std::move(merged));
-      for (++i; i < hunks_.size(); ++i) hunks.push_back(std::move(hunks_[i]));
-      hunks_ = std::move(hunks);
-      return;
+      tail.assign(hunk.replacement, end - start);
     }
-    grow(hunk);
+    at = stop;
+    before += growth(hunk);
+    // What the first one holds is taken over: it may be large and grow step by step.
+    if (merged.was.empty())
+      merged.was.swap(hunk.was);
+    else
+      merged.was.append(hunk.was);
+    if (start < begin) {
+      merged.replacement.swap(hunk.replacement);
+      merged.replacement.resize(begin - start);
+    }
   }
-  merged.replacement.append(text);
-  merged.end = toOriginal(end);
-  if (merged.begin != merged.end || !merged.replacement.empty()) hunks.push_back(std::move(merged));
-  for (; i < hunks_.size(); ++i) hunks.push_back(std::move(hunks_[i]));
-  hunks_ = std::move(hunks);
+  if (at < end) merged.was.append(now, at, end - at);
+  merged.replacement.append(with).append(tail);
+  const auto place = hunks_.erase(hunks_.begin() + static_cast<std::ptrdiff_t>(first),
+                                  hunks_.begin() + static_cast<std::ptrdiff_t>(last));
+  if (merged.was != merged.replacement) hunks_.insert(place, std::move(merged));
+}
+
+void TextChange::move(std::size_t begin, std::size_t end, TextView with) {
+  const auto size = end - begin;
+  if (with.size() > size || begin > current().size() - end) {
+    text_.replace(front_ + begin, size, with);
+    return;
+  }
+  const auto from = text_.begin() + static_cast<std::ptrdiff_t>(front_);
+  const auto to = text_.begin() + static_cast<std::ptrdiff_t>(front_ + end - with.size());
+  std::move_backward(from, from + static_cast<std::ptrdiff_t>(begin), to);
+  std::copy(with.begin(), with.end(), to);
+  front_ += size - with.size();
+}
+
+Text applied(TextView text, const std::vector<Hunk>& hunks) {
+  Text result;
+  std::size_t at = 0;
+  for (const auto& hunk : hunks) {
+    result.append(text, at, hunk.begin - at).append(hunk.replacement);
+    at = hunk.end;
+  }
+  return result.append(text, at, TextView::npos);
 }
 
 }  // namespace quillfile::mailbox

@@ -169,6 +169,13 @@ TEST_F(OutlookRichText, NotesWithLettersOfAnyKindAreFoundAndErasedToTheVeryText)
   EXPECT_NE(bytesOf(item).find("\n\n" + body + "\n--b"), std::string::npos) << bytesOf(item);
 }
 
+// A document that is to show `text`.
+Text rtfChanged(TextView rtf, TextView text) {
+  TextChange change{rtfUnescaped(rtf)};
+  change.set(text);
+  return applied(rtf, rtfHunks(rtf, change.hunks()));
+}
+
 TEST(RtfLetters, AreWrittenAsControlWordsWhereTheTextChangesAndNowhereElse) {
   const TextView rtf = u"{a \\u233? \\\\u233? raw \u00E9 \\\u00E9 \\u-3?}";
   const Text shown = rtfUnescaped(rtf);
