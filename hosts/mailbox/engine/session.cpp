@@ -205,8 +205,8 @@ std::vector<std::string> Session::linksIn(MailboxItem& item) {
   TraceFile silent{""};
   QuillfileExtended reader{parts_->linkPorts(silent)};
   const Text format = item.bodyFormat();
-  const auto body = MailboxSafeItem{item.shared_from_this()}.workingCopy(format == u"HTML" ? BodyKind::html
-                                                                                           : BodyKind::plain);
+  MailboxSafeItem safe{item.shared_from_this()};
+  const auto body = safe.workingCopy(format == u"HTML" ? BodyKind::html : BodyKind::plain);
   std::vector<std::string> links;
   Text path;
   for (Position position = 1; reader.CheckForLink(body->text(), position, format, path, true) && position > 0;
