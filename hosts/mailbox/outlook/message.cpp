@@ -92,6 +92,7 @@ bool isAttachment(const mime::PartTree& tree, const Layout& layout, PartIndex pa
   const auto type = tree.type(part);
   if (isExternal(type) || type.type == "image" || type.type == "audio" || type.type == "video") return true;
   if (part == 0) return type.type != "text" && type.type != "multipart" && type.type != "message";
+  if (type.type == "multipart") return true;  // one that was not opened: what is in it is seen nowhere else
   const auto parent = tree.type(tree[part].parent);
   if (type.type == "application") return parent.is("multipart/mixed") || parent.is("multipart/related");
   return parent.is("multipart/related") && header.field("Content-ID");  // what an HTML body shows

@@ -63,6 +63,20 @@ TEST(LayoutOfRelatedParts, ARootThatIsWhatItSaysStaysTheRoot) {
   EXPECT_EQ(shown(related("", {picture, text})), ", image/png");
 }
 
+TEST(LayoutOfAMessage, PartsNestedTooDeepToBeOpenedAreAnAttachmentTogether) {
+  std::string message;
+  for (int i = 0; i < 1000; ++i) {
+    const auto boundary = "b" + std::to_string(i);
+    message += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
+  }
+  message += "Content-Disposition: attachment; filename=deep.txt\n\ndeep\n";
+  const auto tree = mime::scan(message);
+  const auto attachments = layoutOf(tree).attachments;
+  ASSERT_EQ(attachments.size(), 1u);
+  EXPECT_NE(tree.body(attachments.front()).find("deep.txt"), std::string_view::npos);
+  EXPECT_FALSE(tree.doubt().empty());  // so it is saved, and stays
+}
+
 TEST(LayoutOfAMessage, AFileWithABrokenMediaTypeIsAnAttachment) {
   EXPECT_EQ(shown("Content-Type: application-x-gzip; name=\"document.xml.gz\"\n\nblah\n"), ", text/plain");
   EXPECT_EQ(shown("Content-Type: x; y\nContent-Disposition: attachment; filename=a\n\nblah\n"),
