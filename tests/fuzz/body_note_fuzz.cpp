@@ -1,6 +1,8 @@
 // Notes in the bodies of real messages: the module writes them, the message is rewritten and read anew, the
 // module finds and erases them, and the message is rewritten once more. Each file is attached again, and the
 // body is the one from the beginning.
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -12,6 +14,7 @@
 #include "hosts/mailbox/mime/encode.h"
 #include "hosts/mailbox/outlook/plain_text.h"
 #include "hosts/mailbox/outlook/rewrite.h"
+#include "hosts/mailbox/services/file_content.h"
 #include "tests/core/saving/saving.h"
 #include "tests/fuzz/require.h"
 
@@ -105,7 +108,10 @@ std::shared_ptr<const Message> rewritten(const std::shared_ptr<const Message>& m
   const auto rewriting = rewrite(message, bodies, {}, {});
   std::string bytes;
   rewriting.content([&](std::string_view piece) { bytes += piece; });
-  require(rewriting.check(bytes));
+  const Descriptor file{memfd_create("rewritten", MFD_CLOEXEC)};
+  writeAll(file.get(), bytes, "memory");
+  const auto readBack = MessageFile::open("/proc/self/fd/" + std::to_string(file.get()));
+  require(readBack && rewriting.check(*readBack));
   return std::make_shared<const Message>(std::move(bytes));
 }
 
