@@ -52,8 +52,8 @@ std::size_t plus(std::size_t at, std::ptrdiff_t distance) {
 }  // namespace
 
 TextChange::TextChange(Text original, const std::vector<Hunk>& hunks) : TextChange(std::move(original)) {
-  for (auto hunk = hunks.rbegin(); hunk != hunks.rend(); ++hunk)
-    replace(hunk->begin, hunk->end, hunk->replacement);
+  std::for_each(hunks.rbegin(), hunks.rend(),
+                [this](const Hunk& hunk) { replace(hunk.begin, hunk.end, hunk.replacement); });
 }
 
 Text TextChange::original() const {
