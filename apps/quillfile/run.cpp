@@ -96,6 +96,12 @@ std::unique_ptr<mailbox::Session> openSession(const Options& options) {
   });
 }
 
+std::unique_ptr<mailbox::Session> openSessionToChange(const Options& options) {
+  auto session = openSession(options);
+  session->cleanUp();
+  return session;
+}
+
 std::shared_ptr<mailbox::MailFolder> folderNamed(mailbox::Session& session, const std::string& name) {
   if (auto folder = session.store().folder(name)) return folder;
   std::vector<std::shared_ptr<mailbox::MailFolder>> called;

@@ -17,6 +17,9 @@ std::string settingsPath(const Options& options);
 
 // A session over both, that prints errors as they happen.
 std::unique_ptr<mailbox::Session> openSession(const Options& options);
+// The same for a command that changes the store: what a run that was stopped has left there is cleared away,
+// before items are looked up, since it may take away one of two that are the same.
+std::unique_ptr<mailbox::Session> openSessionToChange(const Options& options);
 
 // The folder that --folder names, else the Inbox.
 std::shared_ptr<mailbox::MailFolder> chosenFolder(mailbox::Session& session, const Options& options);

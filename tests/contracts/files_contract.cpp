@@ -122,6 +122,13 @@ TEST_P(FileTimesContract, NoFileHasNoTimesToSet) {
 // The two procedures that the module's own files have, over the host's ports.
 class SavedFileContract : public Contract {
  protected:
+  // What WaitForFile has told between its first line and its last.
+  void expectTrace(TextView path, TextView line) {
+    expectTranscript(record_.lines(u"trace "),
+                     {fill(u"trace WaitForFile: Entering with {}", path),
+                      fill(u"trace WaitForFile: {}", line), u"trace WaitForFile: Leaving"});
+  }
+
   Recorder record_;
   FakeLog log_{record_};
   Files waiting_{log_, ports.times, ports.clock, ports.user};
@@ -132,17 +139,13 @@ FOR_EVERY_HOST(SavedFileContract);
 TEST_P(SavedFileContract, OneThatIsThereIsOpenedAtOnce) {
   const Text path = host->file(u"a.txt");
   EXPECT_TRUE(waiting_.WaitForFile(path, u"Quillfile"));
-  expectTranscript(record_.lines(u"trace "),
-                   {u"trace WaitForFile: Entering with " + path, u"trace WaitForFile: File opened normally",
-                    u"trace WaitForFile: Leaving"});
+  expectTrace(path, u"File opened normally");
 }
 
 TEST_P(SavedFileContract, OneThatNeverAppearsIsGivenUpWithTheCode2) {
   const Text path = host->folder() + u"missing.txt";
   EXPECT_FALSE(waiting_.WaitForFile(path, u"Quillfile"));
-  expectTranscript(record_.lines(u"trace "),
-                   {u"trace WaitForFile: Entering with " + path, u"trace WaitForFile: File never opened: 2",
-                    u"trace WaitForFile: Leaving"});
+  expectTrace(path, u"File never opened: 2");
 }
 
 TEST_P(SavedFileContract, OneThatStaysHeldIsGivenUpWithTheCode32) {
@@ -150,9 +153,7 @@ TEST_P(SavedFileContract, OneThatStaysHeldIsGivenUpWithTheCode32) {
   const auto held = host->hold(path, 0);
   if (!held) GTEST_SKIP() << "no program can keep a file to itself on this system";
   EXPECT_FALSE(waiting_.WaitForFile(path, u"Quillfile"));
-  expectTranscript(record_.lines(u"trace "),
-                   {u"trace WaitForFile: Entering with " + path, u"trace WaitForFile: File never opened: 32",
-                    u"trace WaitForFile: Leaving"});
+  expectTrace(path, u"File never opened: 32");
 }
 
 TEST_P(SavedFileContract, OneThatIsLetGoIsOpenedThen) {

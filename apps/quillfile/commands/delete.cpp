@@ -9,8 +9,7 @@ namespace quillfile::app {
 int runDelete(const Options& options) {
   if (options.arguments.empty())
     throw WrongCommandLine{"delete needs the items to delete. `quillfile list` shows them."};
-  const auto session = openSession(options);
-  session->cleanUp();
+  const auto session = openSessionToChange(options);
   const auto folder = chosenFolder(*session, options);
   const auto items = chosenItems(*session, folder, options.arguments);
   session->start();

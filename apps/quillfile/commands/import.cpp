@@ -88,8 +88,7 @@ class Import {
 }  // namespace
 
 int runImport(const Options& options) {
-  const auto session = openSession(options);
-  session->cleanUp();
+  const auto session = openSessionToChange(options);
   const auto folder = options.folder.empty() ? session->store().need(mailbox::FolderRole::inbox)
                                              : session->store().createFolder(options.folder);
   Imported imported;

@@ -35,8 +35,7 @@ void respondFromWindows(mailbox::Session& session, const mailbox::Items& items, 
 }  // namespace
 
 int runRespond(const Options& options) {
-  const auto session = openSession(options);
-  session->cleanUp();
+  const auto session = openSessionToChange(options);
   const auto folder = chosenFolder(*session, options);
   const auto items = chosenItems(*session, folder, options.arguments);
   session->start();

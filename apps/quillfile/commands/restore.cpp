@@ -10,8 +10,7 @@ int runRestore(const Options& options) {
   if (options.arguments.empty()) {
     throw WrongCommandLine{"restore needs the items to restore. `quillfile list` shows them."};
   }
-  const auto session = openSession(options);
-  session->cleanUp();
+  const auto session = openSessionToChange(options);
   const auto folder = chosenFolder(*session, options);
   const auto items = chosenItems(*session, folder, options.arguments);
   session->start();

@@ -19,8 +19,7 @@ bool firstRunAccepted(mailbox::Session& session, const Options& options) {
 }  // namespace
 
 int runSave(const Options& options) {
-  const auto session = openSession(options);
-  session->cleanUp();  // before the items are looked up: it may take away one of two that are the same
+  const auto session = openSessionToChange(options);
   const auto folder = chosenFolder(*session, options);
   auto items = chosenItems(*session, folder, options.arguments);
   if (!firstRunAccepted(*session, options)) {

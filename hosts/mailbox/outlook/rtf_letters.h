@@ -1,7 +1,7 @@
-// Letters in rich text: RTF is an ASCII format, and writes other characters as control words, each with as
-// many
-// "?" for readers that do not know them as "\uc" asks for where it stands (1 when nothing is said; a blank
-// ends the word where it is 0). The module reads and writes them as the characters that they are.
+// Letters in rich text: RTF is an ASCII format, and writes other characters as control words. Each is
+// followed by as many "?", for readers that do not know it, as "\uc" asks for where it stands: 1 when nothing
+// is said; where it is 0, a blank ends the word. The module reads and writes them as the characters that they
+// are.
 #pragma once
 
 #include <vector>
