@@ -1,7 +1,5 @@
 #include "core/links/link_commands.h"
 
-#include <algorithm>
-
 #include "core/links/link_note.h"
 
 namespace quillfile {
@@ -57,28 +55,12 @@ void LinkCommands::removePaperclips(const Ref<Item>& item) {
   }
 }
 
-// Takes the notes for a file out of a plain body: those that end their line with it, then all others, which
-// are looked for once more where there can be any.
+// Takes the notes for a file out of a plain body, in whatever letter case: those that end their line with it,
+// then all others.
 void LinkCommands::eraseNotes(LinkWalk& walk, TextView fileName) {
   const Text note = link_note::plain(ports_.paths.linkTo(fileName));
-  const auto length = lengthOf(note);
-  const auto next = [&](Position start) {
-    return findIgnoringCase(ports_.letters, walk.body(), note, start);
-  };
-  bool others = false;
-  for (auto at = next(walk.firstPhrase()); at > 0; at = next(at)) {
-    if (startsWith(from(walk.body(), at + length), lineBreak)) {
-      walk.replace(at, at + length + lengthOf(lineBreak), u"");
-      // What now stands together may make a note.
-      const auto seam = middle(walk.body(), std::max<Position>(1, at - length), 2 * length);
-      others = others || findIgnoringCase(ports_.letters, seam, note) > 0;
-    } else {
-      others = true;
-      at += length;
-    }
-  }
-  if (!others) return;
-  for (auto at = next(walk.firstPhrase()); at > 0; at = next(at)) walk.replace(at, at + length, u"");
+  for (const TextView behind : {lineBreak, TextView{}})
+    walk.eraseAll(note, behind, CompareMode::ignoring_case);
 }
 
 bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
@@ -173,7 +155,7 @@ bool LinkCommands::JustEraseLinks(const Ref<Item>& item) {
         eraseNotes(body.walk, fileName);
       } else {
         body.read(BodyKind::plain);
-        body.replaceAll(link_note::plain(ports_.paths.linkTo(fileName)), u"");
+        body.walk.eraseAll(link_note::plain(ports_.paths.linkTo(fileName)), u"", CompareMode::exact);
         if (version == nextVersion) body.removeLeadingLineBreaks();
       }
       body.walk.write();

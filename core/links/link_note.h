@@ -8,6 +8,7 @@ namespace quillfile::link_note {
 inline constexpr TextView keyword = u"Attachment";
 inline constexpr TextView phrase = u"Attachment saved to";
 inline constexpr TextView marker = u"file:///";
+inline constexpr TextView opening = u"Attachment saved to <";  // of a note in plain text
 
 // The note in plain text that points to `link`.
 //   plain(u"file:///C:\\a.pdf") == u"Attachment saved to <file:///C:\\a.pdf>"

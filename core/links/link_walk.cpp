@@ -19,7 +19,10 @@ bool LinkWalk::next() {
 void LinkWalk::read(BodyKind kind, std::unique_ptr<WorkingCopy> body) {
   const Position before = length();
   const bool isTheSame = body->text().data() == body_->text().data();  // lent once more
-  if (!isTheSame) clear_ = 1;
+  if (!isTheSame) {
+    clear_ = 1;
+    notes_.reset();
+  }
   body_ = std::move(body);
   if (kind == kind_) {
     grown_ += std::max<Position>(0, length() - before);
@@ -31,6 +34,11 @@ void LinkWalk::read(BodyKind kind, std::unique_ptr<WorkingCopy> body) {
 }
 
 void LinkWalk::replace(Position begin, Position end, TextView replacement) {
+  change(begin, end, replacement);
+  notes_.reset();
+}
+
+void LinkWalk::change(Position begin, Position end, TextView replacement) {
   const Position before = length();
   body_->replace(begin, end, replacement);
   cut_ += std::max<Position>(0, before - length());
@@ -41,6 +49,22 @@ void LinkWalk::replace(Position begin, Position end, TextView replacement) {
 Position LinkWalk::firstPhrase() {
   const auto found = links_.findUnbrokenPhrase(body(), clear_);
   return clear_ = found > 0 ? found : length() + 1;
+}
+
+void LinkWalk::eraseAll(TextView note, TextView behind, CompareMode compare) {
+  if (!notes_) notes_.emplace(links_.letters(), body());
+  const auto size = static_cast<Position>(note.size());
+  Position gone = 0;
+  for (auto place : notes_->places(body(), note)) {
+    place.begin -= gone;
+    const bool wanted = (compare != CompareMode::exact || middle(body(), place.begin, size) == note) &&
+                        startsWith(from(body(), place.begin + size), behind);
+    if (!wanted) continue;
+    const auto all = size + static_cast<Position>(behind.size());
+    change(place.begin, place.begin + all, u"");
+    gone += all;
+    if (notes_ && !notes_->cut(place, all, body())) notes_.reset();
+  }
 }
 
 void LinkWalk::eraseNote() {

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "core/links/note_index.h"
 #include "core/links/quillfile_extended.h"
 #include "core/platform/item.h"
 
@@ -31,14 +32,16 @@ class LinkWalk {
   void replace(Position begin, Position end, TextView replacement);
   // Takes the note out that EraseString would; where that finds none, the body becomes empty.
   void eraseNote();
+  // Takes the plain note `note`, with `behind` right behind it, out wherever it stands in the body now.
+  void eraseAll(TextView note, TextView behind, CompareMode compare);
   void write() { body_->write(); }
-
-  // Where the first unbroken phrase of a note stands in the body; behind its end when there is none. What was
-  // searched for it once is not searched again.
-  Position firstPhrase();
 
  private:
   Position length() const { return static_cast<Position>(body().size()); }
+  // Where the first unbroken phrase of a note stands in the body; behind its end when there is none. What was
+  // searched for it once is not searched again.
+  Position firstPhrase();
+  void change(Position begin, Position end, TextView replacement);
 
   QuillfileExtended& links_;
   Text format_;
@@ -48,9 +51,10 @@ class LinkWalk {
   Text fileName_;
   Position position_ = 1;
   Position searchedFrom_ = 1;
-  Position cut_ = 0;    // since the last search
-  Position clear_ = 1;  // no unbroken phrase begins before
-  Position grown_ = 0;  // by being read anew: where what was written was not kept as it was
+  Position cut_ = 0;                // since the last search
+  Position clear_ = 1;              // no unbroken phrase begins before
+  Position grown_ = 0;              // by being read anew: where what was written was not kept as it was
+  std::optional<NoteIndex> notes_;  // of the body as it is; made when it is needed
 };
 
 }  // namespace quillfile

@@ -54,6 +54,8 @@ class QuillfileExtended {
   // What EraseString leaves out; none where it answers with an empty text because it found nothing to erase.
   // For whoever knows that no unbroken phrase stands before `start`.
   std::optional<Stretch> noteToErase(TextView body, TextView format, Position start = 1);
+  LetterCase& letters() const { return ports_.letters; }
+
   // The first phrase at or after `start` that no line break divides; 0 when there is none.
   Position findUnbrokenPhrase(TextView body, Position start);
 

@@ -79,5 +79,24 @@ TEST_P(LinkCost, NoNoteCostsAPassOverTheBodyThatItStandsIn) {
   }
 }
 
+// A search that ignores case asks for the lower case of what lies beyond ASCII. Here each note ends with such
+// a letter, so that whoever looks at a note asks.
+TEST_P(LinkCost, NoNoteIsLookedAtForEachOther) {
+  constexpr std::size_t notes = 1'000;
+  world.log.isWanted = false;
+  const Ref<Application> application = world.application;
+  Text body;
+  for (std::size_t i = 0; i < notes; ++i)
+    body += fill(u"{}\r\n\r\n",
+                 text.plainNote(decimal(1'000 + static_cast<std::int64_t>(i)) + Text(100, u'\u00C9')));
+  CountingLetters letters;
+  LendingHelper helper{world.record};
+  LinkCommands counted{{world.services, world.log, letters, world.files, world.paths}, helper, application};
+  const auto forward = world.addItem({.subject = u"F", .format = u"TEXT", .body = body});
+  ASSERT_TRUE(counted.ReplaceLinksWithAttachments(forward));
+  EXPECT_EQ(find(helper.last->lent->text(), u"Attachment"), 0);
+  EXPECT_LT(letters.units, notes * 2'000);
+}
+
 }  // namespace
 }  // namespace quillfile

@@ -131,6 +131,52 @@ TEST_P(LinkWalkTest, NoBodyHoldsACommandForEverOrGetsAFileTwiceForOneNote) {
   }
 }
 
+// Whoever erases by the book: each one a new text, searched from its beginning.
+Text erasedByTheBook(LetterCase& letters, const Text& body, const Text& note, CompareMode compare) {
+  return compare == CompareMode::exact ? replaceAll(body, note, u"")
+                                       : replaceAllIgnoringCase(letters, body, note, u"");
+}
+
+TEST_P(LinkWalkTest, WhatIsErasedIsWhatASearchOfTheWholeBodyFindsHoweverNotesAreEntangled) {
+  const std::vector<Text> notes = {text.plainNote(u"a"), text.plainNote(u"k\u00E9"),
+                                   u"Attachment saved to <Attachment saved to <x>", u"Attachment saved to <>",
+                                   u"Attachment saved to <file://>"};
+  const std::vector<Text> pieces = {notes[0],
+                                    notes[1],
+                                    notes[2],
+                                    notes[3],
+                                    u"ATTACHMENT saved to <",
+                                    replaceAll(notes[1], u"k\u00E9", u"K\u00C9"),
+                                    u"Attachment saved",
+                                    u" to <",
+                                    u"x>",
+                                    u">",
+                                    u"\r\n",
+                                    u"words"};
+  std::mt19937 random{20261121};
+  std::size_t erased = 0;
+  for (int run = 0; run < 8'000; ++run) {
+    Text expected;
+    for (auto n = random() % 16; n > 0; --n) expected += pieces[random() % pieces.size()];
+    LinkWalk walk{links, u"TEXT", true, BodyKind::plain, std::make_unique<LooseCopy>(expected)};
+    for (int turn = 0; turn < 6; ++turn) {
+      const Text note = notes[random() % notes.size()];
+      const Text behind = random() % 2 == 0 ? u"\r\n" : u"";
+      const auto compare = random() % 2 == 0 ? CompareMode::exact : CompareMode::ignoring_case;
+      const auto before = expected.size();
+      expected = erasedByTheBook(world.letters, expected, note + behind, compare);
+      erased += expected.size() < before;
+      walk.eraseAll(note, behind, compare);
+      ASSERT_EQ(toUtf8(walk.body()), toUtf8(expected));
+      if (random() % 4 == 0) {  // a change of another kind
+        expected.insert(0, u" to <x>");
+        walk.replace(1, 1, u" to <x>");
+      }
+    }
+  }
+  EXPECT_GT(erased, 5'000u);
+}
+
 TEST_P(LinkWalkTest, AHugeBodyOfKeywordsOrBracketsCostsAFewPasses) {
   constexpr std::size_t units = 300'000;
   Text keywords, brackets = u"Attachment saved to <file:///x";
