@@ -252,6 +252,7 @@ void Session::deleteItem(const std::shared_ptr<MailboxItem>& item) {
 
 std::set<std::string> Session::watchedFolders(bool anew) {
   if (anew) {
+    parts_->settings.lookAgain();
     parts_->engine.forgetWatchedFolders();
     openExplorer();
   }
@@ -259,6 +260,7 @@ std::set<std::string> Session::watchedFolders(bool anew) {
 }
 
 void Session::arrived(const std::shared_ptr<MailFolder>& folder, const std::string& unique) {
+  parts_->settings.lookAgain();
   const auto item = parts_->client->item(folder, unique);
   parts_->module.api().CEItemEvent(1, item, fromUtf8(folder->entryId()), fromUtf8(folder->storeId()));
   endOfEvent();

@@ -20,7 +20,7 @@ const Flag* flagNamed(TextView key) {
 }  // namespace
 
 std::optional<Text> RunFlags::read(TextView application, TextView section, TextView key) {
-  if (const auto held = held_.find(Text{key}); held != held_.end()) return held->second.value;
+  if (const auto held = held_.find(key); held != held_.end()) return held->second.value;
   return file_.read(application, section, key);
 }
 

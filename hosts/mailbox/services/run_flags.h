@@ -4,6 +4,7 @@
 // and what a run has left behind stands in the file for everybody.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
@@ -27,7 +28,7 @@ class RunFlags : public SettingsStore {
     Text application, section, value;
   };
   SettingsStore& file_;
-  std::map<Text, Held> held_;  // by key
+  std::map<Text, Held, std::less<>> held_;  // by key
 };
 
 }  // namespace quillfile::mailbox

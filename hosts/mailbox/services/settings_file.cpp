@@ -7,6 +7,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -20,7 +21,7 @@ namespace quillfile::mailbox {
 namespace {
 
 constexpr std::int64_t largest = 1 << 20;         // bytes of a settings file
-constexpr std::int64_t tick = 20'000'000;         // ns: times on disk may be no finer than this
+constexpr std::int64_t coarsest = 20'000'000;     // ns: times on disk may be no finer than this
 constexpr std::string_view newSuffix = ".new";    // the next version, until it takes the file's name
 constexpr std::string_view lockSuffix = ".lock";  // held by the writer; stays, empty
 
@@ -28,15 +29,17 @@ std::int64_t nanoseconds(const timespec& time) {
   return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-void appendLower(Text& to, TextView text) {
-  for (const char16_t c : text) to += c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+char16_t lower(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; }
+
+bool sameLetters(TextView a, TextView b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char16_t x, char16_t y) { return lower(x) == lower(y); });
 }
 
-void fillKey(Text& to, TextView section, TextView key) {
-  to.clear();
-  appendLower(to, section);
-  to += u'\n';
-  appendLower(to, key);
+std::int64_t coarseTicks() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return nanoseconds(now);
 }
 
 // A link to the settings (as people who keep theirs in a repository have) stays one: what it leads to is
@@ -95,7 +98,20 @@ void replaceFile(const std::string& path, const std::string& bytes) {
 
 }  // namespace
 
-SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {}
+// FNV-1a, 64 bits.
+std::size_t SettingsFile::HashName::operator()(const Name& name) const {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const TextView text : {name.section, TextView(u"\n"), name.key})
+    for (const char16_t c : text) hash = (hash ^ lower(c)) * 0x100000001B3;
+  return hash;
+}
+
+bool SettingsFile::SameName::operator()(const Name& a, const Name& b) const {
+  return sameLetters(a.section, b.section) && sameLetters(a.key, b.key);
+}
+
+SettingsFile::SettingsFile(std::string path, Ticks ticks)
+    : path_(std::move(path)), ticks_(ticks ? std::move(ticks) : coarseTicks) {}
 
 SettingsFile::Stamp SettingsFile::stampNow() const {
   struct stat status {};
@@ -110,28 +126,36 @@ SettingsFile::Stamp SettingsFile::stampNow() const {
           .changed = nanoseconds(status.st_ctim)};
 }
 
-// The stamp is taken before the bytes: a change in between is seen at the next reading.
+// The stamp is taken before the bytes: a change in between is seen at the next look. A look that fails counts
+// as none.
 void SettingsFile::load() {
+  const std::int64_t tick = ticks_();
+  if (looked_ == tick) return;
+  looked_.reset();
   const Stamp stamp = stampNow();
-  if (settled_ && stamp == stamp_) return;
+  if (!settled_ || stamp != stamp_) readValues(stamp);
+  looked_ = tick;
+}
+
+void SettingsFile::readValues(const Stamp& stamp) {
   settled_ = false;
   values_.clear();
+  settings_.clear();
   for (const auto& [section, key, value] : IniText{readFile(path_).value_or("")}.values(path_)) {
-    Text name;
-    fillKey(name, fromUtf8(section), fromUtf8(key));
-    values_.insert_or_assign(std::move(name), fromUtf8(value));
+    settings_.push_back({.section = fromUtf8(section), .key = fromUtf8(key), .value = fromUtf8(value)});
+    const Setting& setting = settings_.back();
+    values_.insert_or_assign({setting.section, setting.key}, &setting.value);
   }
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
   stamp_ = stamp;
-  settled_ = nanoseconds(now) - stamp.changed > tick || nanoseconds(now) < stamp.changed;
+  settled_ = nanoseconds(now) - stamp.changed > coarsest || nanoseconds(now) < stamp.changed;
 }
 
 std::optional<Text> SettingsFile::read(TextView, TextView section, TextView key) {
   load();
-  fillKey(wanted_, section, key);
-  const auto found = values_.find(wanted_);
-  return found == values_.end() ? std::nullopt : std::optional{found->second};
+  const auto found = values_.find({section, key});
+  return found == values_.end() ? std::nullopt : std::optional{*found->second};
 }
 
 void SettingsFile::write(TextView, TextView section, TextView key, TextView value) {
@@ -141,6 +165,7 @@ void SettingsFile::write(TextView, TextView section, TextView key, TextView valu
 void SettingsFile::erase(TextView section, TextView key) { change(section, key, std::nullopt); }
 
 void SettingsFile::change(TextView section, TextView key, const std::optional<Text>& value) {
+  lookAgain();
   const std::string path = realPath(path_);
   std::error_code error;
   std::filesystem::create_directories(folderOf(path), error);

@@ -1,10 +1,13 @@
 // SettingsFile: the port SettingsStore over an INI file that people and other programs edit too. Sections and
 // keys compare ignoring ASCII case, as the registry does. Unknown keys, comments and order survive a write;
-// writes are atomic and exclude each other; a reader sees a change at once and pays one stat when there is
-// none.
+// writes are atomic and exclude each other. A reader looks at the file (one stat when nothing has changed) at
+// most once in each tick of the system's coarse clock, 1 to 10 ms: its own writes it sees at once, another
+// program's within a tick, and with lookAgain() at once too.
 #pragma once
 
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,8 +26,12 @@ namespace quillfile::mailbox {
 // inside.
 class SettingsFile : public SettingsStore {
  public:
-  // The file need not be there: it and its folder are made at the first write.
-  explicit SettingsFile(std::string path);
+  // A reading that stays the same for as long as one look at the file is to do.
+  using Ticks = std::function<std::int64_t()>;
+
+  // The file need not be there: it and its folder are made at the first write. `ticks` by default is
+  // CLOCK_MONOTONIC_COARSE, which costs no call of the kernel.
+  explicit SettingsFile(std::string path, Ticks ticks = {});
 
   // Throws Failure when the file cannot be read, is larger than 1 MB or holds a line that is none of the
   // above (the sentence names the line), whichever key is asked for.
@@ -34,6 +41,9 @@ class SettingsFile : public SettingsStore {
   // Takes the key out; nothing happens when it is absent. Throws Failure.
   void erase(TextView section, TextView key);
 
+  // The next reading looks at the file, whenever the last one did: for whoever has been told of a change.
+  void lookAgain() { looked_.reset(); }
+
   const std::string& path() const { return path_; }
 
  private:
@@ -42,22 +52,34 @@ class SettingsFile : public SettingsStore {
     std::int64_t size = -1, modified = 0, changed = 0;
     bool operator==(const Stamp&) const = default;
   };
-  struct HashText {
-    using is_transparent = void;
-    std::size_t operator()(TextView text) const { return std::hash<TextView>{}(text); }
+  struct Name {  // of a setting, in letters of either case
+    TextView section, key;
+  };
+  struct HashName {
+    std::size_t operator()(const Name& name) const;
+  };
+  struct SameName {
+    bool operator()(const Name& a, const Name& b) const;
+  };
+
+  struct Setting {
+    Text section, key, value;
   };
 
   Stamp stampNow() const;
   void load();
+  void readValues(const Stamp& stamp);
   void change(TextView section, TextView key, const std::optional<Text>& value);
 
   std::string path_;
+  Ticks ticks_;
+  std::optional<std::int64_t> looked_;  // the tick of the last look at the file
   Stamp stamp_;
   bool settled_ =
       false;  // false while the file is so young that a second change could leave its stamp the same
-  std::unordered_map<Text, Text, HashText, std::equal_to<>>
-      values_;   // by section, a line feed, key, in lower case
-  Text wanted_;  // the key being looked up; kept for its memory
+  std::deque<Setting> settings_;  // as they stand in the file
+  std::unordered_map<Name, const Text*, HashName, SameName>
+      values_;  // into settings_; of equal ones the last
 };
 
 }  // namespace quillfile::mailbox

@@ -16,6 +16,10 @@ class SettingsFileTest : public testing::Test {
  protected:
   std::optional<Text> read(TextView key) { return settings.read(application, section, key); }
   void write(TextView key, TextView value) { settings.write(application, section, key, value); }
+  void anotherWrites(const std::string& bytes) {
+    std::filesystem::create_directories(folder / "config");
+    writeFile(path, bytes);
+  }
   std::string failureOf(const std::string& bytes) {
     writeFile(path, bytes);
     try {
@@ -28,7 +32,9 @@ class SettingsFileTest : public testing::Test {
 
   TemporaryFolder folder;
   std::string path = folder / "config/settings.ini";
-  SettingsFile settings{path};
+  std::int64_t tick = 0;  // of the clock
+  bool standing = false;  // else it ticks at each reading
+  SettingsFile settings{path, [this] { return standing ? tick : ++tick; }};
 };
 
 TEST_F(SettingsFileTest, AMissingFileHasNoValuesAndIsMadeByTheFirstWrite) {
@@ -67,12 +73,54 @@ TEST_F(SettingsFileTest, AnyValueComesBackAsItWas) {
   }
 }
 
-TEST_F(SettingsFileTest, AChangeByAnotherProgramIsSeenAtOnce) {
+TEST_F(SettingsFileTest, AChangeByAnotherProgramIsSeenInTheNextTick) {
   write(u"a", u"1");
   for (int i = 0; i < 200; ++i) {
     writeFile(path, "[Quillfile]\na=" + std::to_string(i % 10) + "\n");
     ASSERT_EQ(read(u"a"), fromUtf8(std::to_string(i % 10)));
   }
+}
+
+TEST_F(SettingsFileTest, InOneTickTheFileIsLookedAtASingleTime) {
+  standing = true;
+  anotherWrites("[Quillfile]\na=1\n");
+  EXPECT_EQ(read(u"a"), u"1");
+  anotherWrites("[Quillfile]\na=2\n");
+  EXPECT_EQ(read(u"a"), u"1");
+  EXPECT_EQ(read(u"A"), u"1");
+  ++tick;
+  EXPECT_EQ(read(u"a"), u"2");
+}
+
+TEST_F(SettingsFileTest, WhoeverIsToldOfAChangeSeesItAtOnce) {
+  standing = true;
+  anotherWrites("[Quillfile]\na=1\n");
+  EXPECT_EQ(read(u"a"), u"1");
+  anotherWrites("[Quillfile]\na=2\n");
+  settings.lookAgain();
+  EXPECT_EQ(read(u"a"), u"2");
+}
+
+TEST_F(SettingsFileTest, OnesOwnWritesAreSeenAtOnceAndWhatOthersHaveWrittenWithThem) {
+  standing = true;
+  write(u"a", u"1");
+  EXPECT_EQ(read(u"a"), u"1");
+  anotherWrites("[Quillfile]\na=1\nb=2\n");
+  write(u"a", u"3");
+  EXPECT_EQ(read(u"a"), u"3");
+  EXPECT_EQ(read(u"b"), u"2");
+  settings.erase(section, u"a");
+  EXPECT_EQ(read(u"a"), std::nullopt);
+}
+
+TEST_F(SettingsFileTest, AFileThatCannotBeReadIsAFailureAtEveryReadingOfATick) {
+  standing = true;
+  anotherWrites("[Quillfile]\na=1\n");
+  EXPECT_EQ(read(u"a"), u"1");
+  anotherWrites("nonsense\n");
+  ++tick;
+  EXPECT_THROW(read(u"a"), Failure);
+  EXPECT_THROW(read(u"b"), Failure);
 }
 
 TEST_F(SettingsFileTest, AFileThatIsNoSettingsFileIsAClearError) {
@@ -88,6 +136,11 @@ TEST_F(SettingsFileTest, AFileThatIsNoSettingsFileIsAClearError) {
   writeFile(path, "nonsense\n");
   EXPECT_THROW(write(u"a", u"1"), Failure);
   EXPECT_EQ(readFile(path), "nonsense\n");
+}
+
+TEST_F(SettingsFileTest, OfASettingThatStandsTwiceTheLastCounts) {
+  anotherWrites("[Quillfile]\na=1\n[quillfile]\nA=2\n");
+  EXPECT_EQ(read(u"a"), u"2");
 }
 
 TEST_F(SettingsFileTest, ALinkedFileStaysALink) {
