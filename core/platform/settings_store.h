@@ -10,7 +10,8 @@ namespace quillfile {
 class SettingsStore {
  public:
   virtual ~SettingsStore() = default;
-  // The value as it is now, whoever changed it; none when the key is absent.
+  // The value as it is now, whoever changed it (another program's change may take some milliseconds to show);
+  // none when the key is absent.
   virtual std::optional<Text> read(TextView application, TextView section, TextView key) = 0;
   virtual void write(TextView application, TextView section, TextView key, TextView value) = 0;
 };

@@ -31,8 +31,9 @@ HandledNotes::HandledNotes(std::string seenFile)
     : seenFile_(std::move(seenFile)), file_(seenFile_ + ".hand") {}
 
 void HandledNotes::add(const std::string& itemId) {
-  if (itemId == last_ || ::access(seenFile_.c_str(), F_OK) != 0) return;
+  if (itemId == last_) return;
   last_ = itemId;
+  if (::access(seenFile_.c_str(), F_OK) != 0) return;
   if (!open_) open_ = Descriptor{::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600)};
   if (!open_) return;
   const Locked lock{open_.get()};

@@ -1,7 +1,5 @@
 #include "hosts/mailbox/engine/mailbox_engine.h"
 
-#include <filesystem>
-
 #include "core/module/procedure.h"
 #include "core/platform/failure.h"
 #include "hosts/mailbox/engine/known_folders.h"
@@ -113,14 +111,9 @@ Text MailboxEngine::cleanFileName(TextView text) { return mailbox::cleanFileName
 // Who asks means to save there. A file that another process puts under the name meanwhile would else count as
 // one that may be replaced.
 bool MailboxEngine::fileExists(TextView path) {
-  if (parts_.files.fileListed(path)) return true;
-  const std::filesystem::path file{toUtf8(path)};
-  if (!file.has_filename()) return false;
-  ignoringErrors([&] {
-    parts_.batch.files().firstFreePath(file.parent_path().string(), file.stem().string(),
-                                       file.extension().string());
-  });
-  return parts_.files.fileListed(path);
+  bool claimed = false;
+  ignoringErrors([&] { claimed = parts_.batch.files().claim(toUtf8(path)); });
+  return !claimed && parts_.files.fileListed(path);
 }
 
 bool MailboxEngine::createFolderPath(TextView path) { return parts_.batch.files().makeFolder(toUtf8(path)); }

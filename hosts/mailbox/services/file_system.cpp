@@ -29,10 +29,7 @@ struct stat statusOf(const SavedFiles& files, const std::string& path, std::stri
 
 bool HostFileSystem::fileListed(TextView path) { return files_.listed(toUtf8(path)); }
 
-bool HostFileSystem::folderExists(TextView path) {
-  struct stat status {};
-  return ::stat(toUtf8(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
+bool HostFileSystem::folderExists(TextView path) { return files_.isFolder(toUtf8(path)); }
 
 Text HostFileSystem::firstFreePath(TextView folder, TextView base, TextView extension) {
   return fromUtf8(files_.firstFreePath(toUtf8(folder), toUtf8(base), toUtf8(extension)));

@@ -88,28 +88,34 @@ void SaveFolder::refresh() {
   listed_ = true;
 }
 
+bool SaveFolder::isFree(const std::string& name) const {
+  struct stat status {};
+  return ::fstatat(descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0;
+}
+
 bool SaveFolder::taken(const std::string& name) {
   if (names_.contains(name) || spokenFor_.contains(name)) return true;
-  struct stat status {};
-  if (::fstatat(descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  if (isFree(name)) return false;
   names_.insert(name);
   return true;
 }
 
 std::string SaveFolder::takeFreeName(const std::string& base, const std::string& extension) {
+  const auto numbered = [&](std::int64_t number) {
+    const std::string ending = (number > 0 ? "-" + std::to_string(number) : "") + extension;
+    if (ending.size() >= NAME_MAX) throw fromErrno(ENAMETOOLONG, "name a file in", path_);
+    return cutUtf8(base, NAME_MAX - ending.size()) + ending;
+  };
+  std::string name = numbered(0);
+  if (!taken(name)) return take(name), name;
   refresh();
   const std::string key = base + "/" + extension;
   const auto known = nextNumber_.find(key);
-  for (std::int64_t next = known == nextNumber_.end() ? 0 : known->second;; ++next) {
-    std::string ending = next > 0 ? "-" + std::to_string(next) : "";
-    ending += extension;
-    if (ending.size() >= NAME_MAX) throw fromErrno(ENAMETOOLONG, "name a file in", path_);
-    std::string name = cutUtf8(base, NAME_MAX - ending.size()) + ending;
-    if (taken(name)) continue;
-    take(name);
-    if (next > 0) nextNumber_.insert_or_assign(key, next + 1);  // most names are never asked for twice
-    return name;
-  }
+  std::int64_t next = known == nextNumber_.end() ? 0 : known->second;
+  while (taken(name = numbered(next))) ++next;
+  take(name);
+  nextNumber_.insert_or_assign(key, next + 1);
+  return name;
 }
 
 bool SaveFolder::tryLock() {

@@ -1,6 +1,6 @@
-// SaveFolder: one folder that files are saved into, and the names in it: those on disk, as last listed, and
-// those that are spoken for. The listing is checked against the folder's own change time; a name is probed
-// once more before it is given out, so that a stale listing never hands out a taken one.
+// SaveFolder: one folder that files are saved into, and the names in it: those on disk and those that are
+// spoken for. A name is looked for on disk before it is given out. Where it is taken the folder is listed, so
+// that finding its number costs no look for each; the listing is checked against the folder's change time.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,8 @@ class SaveFolder {
   // `base` + `extension`, or with the first free "-1", "-2" … between them. The name is spoken for. `base` is
   // cut where the name would be longer than a name may be.
   std::string takeFreeName(const std::string& base, const std::string& extension);
+  // Whether nothing on disk has that name.
+  bool isFree(const std::string& name) const;
   void take(const std::string& name) { spokenFor_.insert(name); }
   bool spokenFor(const std::string& name) const { return spokenFor_.contains(name); }
   // The file has its name now: the listing knows it.
@@ -44,6 +46,7 @@ class SaveFolder {
   bool locked() const { return locked_; }
 
   // An own change does not make the listing stale: call after each, with the name that has appeared, if any.
+  // Costs nothing in a folder that was not listed.
   void noteOwnChange(const std::string& appeared = {});
 
  private:

@@ -127,6 +127,18 @@ std::string SavedFiles::firstFreePath(const std::string& folder, const std::stri
   return path;
 }
 
+bool SavedFiles::claim(const std::string& askedPath) {
+  const std::string path = plain(askedPath), name = namePart(path);
+  const auto folder = folderOf(folderPart(path));
+  lock(*folder);
+  const bool known = waiting_.contains(path) || removed_.contains(path);
+  if (known || name.empty() || !folder->isFree(name)) return false;
+  free_.insert(path);
+  folder->take(name);
+  given_.emplace_back(folder, path);
+  return true;
+}
+
 std::shared_ptr<SavedFile> SavedFiles::waiting(const std::string& path) const {
   const auto found = waiting_.find(plain(path));
   return found == waiting_.end() ? nullptr : found->second;
@@ -157,6 +169,13 @@ void SavedFiles::remove(const std::string& askedPath) {
   if (::access(folderPart(path).c_str(), W_OK | X_OK) != 0) throw fromErrno(errno, "delete", path);
   removed_.insert(path);
   gathered_.removals.push_back(path);
+}
+
+bool SavedFiles::isFolder(const std::string& path) const {
+  const auto known = path.empty() ? folders_.end() : folders_.find(withoutSeparator(plain(path)));
+  if (known != folders_.end() && !known->second->idle()) return true;
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool SavedFiles::makeFolder(const std::string& askedPath) {

@@ -60,15 +60,19 @@ class SavedFiles {
   explicit SavedFiles(std::function<void()> settle) : settle_(std::move(settle)) {}
 
   // Writes `content` to a temporary file beside `path` and gives the file that now answers under `path`. A
-  // file that already is at `path` is replaced at commit, unless firstFreePath() or listed() called the name
-  // free: then it is another program's, come meanwhile. A read-only one is not: Failure. A waiting file of
-  // the same path is abandoned. Throws Failure, and then nothing is left.
+  // file that already is at `path` is replaced at commit, unless firstFreePath(), claim() or listed() called
+  // the name free: then it is another program's, come meanwhile. A read-only one is not: Failure. A waiting
+  // file of the same path is abandoned. Throws Failure, and then nothing is left.
   std::shared_ptr<SavedFile> save(const std::string& path, const Content& content);
 
   // What FileSystem::firstFreePath answers; the name is spoken for from here on. Whatever is on disk under a
   // name takes it, a folder or a link too. Cuts `base` where name and number would be longer than a name may
   // be.
   std::string firstFreePath(const std::string& folder, const std::string& base, const std::string& extension);
+
+  // Speaks for the name of `path` until the event is over. False, and nothing is done, when anything is under
+  // it: waiting, on disk or about to be removed. Throws Failure when its folder cannot be used.
+  bool claim(const std::string& path);
 
   // The waiting file that answers under `path`; null when there is none.
   std::shared_ptr<SavedFile> waiting(const std::string& path) const;
@@ -78,10 +82,12 @@ class SavedFiles {
   // is saved to its path meanwhile it is replaced in one step. Throws Failure when it is not there or is
   // read-only.
   void remove(const std::string& path);
+  // Whether `path` is a folder; one in which files are waiting is, without a look at the disk.
+  bool isFolder(const std::string& path) const;
   // Makes a folder and its missing parents, durable when the batch commits. False when it cannot be made.
   bool makeFolder(const std::string& path);
 
-  // The event is over: names that firstFreePath() gave out and nobody saved to are free again.
+  // The event is over: names that firstFreePath() and claim() gave out and nobody saved to are free again.
   void releaseUnusedNames();
 
   // For Batch. What was gathered; the files go on answering until each is named or abandoned.

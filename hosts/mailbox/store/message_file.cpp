@@ -78,9 +78,10 @@ bool MessageFile::isAsOpened() const {
 
 // A message that has no name left was rewritten or deleted while this process waited to open it.
 bool MessageFile::lock() {
+  if (locked_) return true;
   if (::flock(descriptor(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
   struct stat status {};
-  return ::fstat(descriptor(), &status) == 0 && status.st_nlink > 0;
+  return locked_ = ::fstat(descriptor(), &status) == 0 && status.st_nlink > 0;
 }
 
 }  // namespace quillfile::mailbox

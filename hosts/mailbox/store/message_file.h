@@ -53,6 +53,7 @@ class MessageFile {
   std::unique_ptr<char[]> read_;
   std::unique_ptr<const Mapping> mapped_;
   std::string_view bytes_;
+  bool locked_ = false;
   std::int64_t modified_ = 0;
   std::uint64_t inode_ = 0;
   std::uint64_t device_ = 0;

@@ -82,6 +82,52 @@ TEST_F(SavedFilesTest, AFileThatComesAfterItsNameWasCalledFreeIsNotReplaced) {
   EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
 }
 
+TEST_F(SavedFilesTest, AClaimedNameIsSpokenForUntilTheEventIsOver) {
+  Batch batch{reports};
+  EXPECT_TRUE(batch.files().claim(saved + "//a.pdf"));
+  EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a-1.pdf");
+  EXPECT_TRUE(batch.files().claim(saved + "/a.pdf"));  // nothing was saved to it yet
+  batch.eventEnded();
+  EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a.pdf");
+}
+
+TEST_F(SavedFilesTest, AFileThatComesAfterItsNameWasClaimedIsNotReplaced) {
+  Batch batch{reports};
+  EXPECT_TRUE(batch.files().claim(saved + "/a.pdf"));
+  writeFile(saved + "/a.pdf", "another's");
+  batch.files().save(saved + "/a.pdf", bytes("ours"));
+  batch.commit();
+  EXPECT_EQ(readFile(saved + "/a.pdf"), "another's");
+  EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
+}
+
+TEST_F(SavedFilesTest, ANameUnderWhichAnythingIsCannotBeClaimed) {
+  writeFile(saved + "/file", "x");
+  writeFile(saved + "/leaving", "x");
+  std::filesystem::create_symlink(folder / "nowhere", saved + "/link");
+  Batch batch{reports};
+  batch.files().save(saved + "/waiting", bytes("x"));
+  batch.files().remove(saved + "/leaving");
+  std::filesystem::create_directory(saved + "/folder");
+  for (const char* name : {"file", "leaving", "link", "waiting", "folder", ""})
+    EXPECT_FALSE(batch.files().claim(saved + "/" + name)) << name;
+  EXPECT_THROW(batch.files().claim(saved + "/nowhere/a.pdf"), Failure);
+}
+
+TEST_F(SavedFilesTest, AFolderIsLookedForOnDiskUnlessFilesWaitInIt) {
+  Batch batch{reports};
+  EXPECT_TRUE(batch.files().isFolder(saved + "/"));
+  EXPECT_FALSE(batch.files().isFolder(saved + "/none"));
+  EXPECT_FALSE(batch.files().isFolder(""));
+  batch.files().save(saved + "/a.pdf", bytes("x"));
+  EXPECT_FALSE(batch.files().isFolder(""));
+  std::filesystem::rename(saved, saved + "-moved");
+  EXPECT_TRUE(batch.files().isFolder(saved + "/"));
+  batch.commit();  // into the folder that was meant
+  EXPECT_EQ(readFile(saved + "-moved/a.pdf"), "x");
+  EXPECT_FALSE(batch.files().isFolder(saved + "/"));
+}
+
 TEST_F(SavedFilesTest, OfTwoAttachmentsWithOneNameTheFirstStaysInTheMessageWhenTheSecondReplacesIt) {
   Batch batch{reports};
   const auto first = batch.files().save(saved + "/a.pdf", bytes("first"));
