@@ -91,7 +91,8 @@ Text replaceAllIgnoringCase(LetterCase& letters, TextView text, TextView wanted,
     result.append(middle(text, done, hit - done)).append(replacement);
     done = hit + lengthOf(wanted);
   }
-  return result.append(from(text, done));
+  result.append(from(text, done));
+  return result;
 }
 
 }  // namespace quillfile

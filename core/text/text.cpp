@@ -71,7 +71,8 @@ Text replaceAll(TextView text, TextView wanted, TextView replacement) {
     result.append(text, done, hit - done).append(replacement);
     done = hit + wanted.size();
   }
-  return result.append(text, done);
+  result.append(text, done);
+  return result;
 }
 
 std::vector<Text> split(TextView text, char16_t separator) {

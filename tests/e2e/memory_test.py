@@ -60,6 +60,21 @@ def stream(size):
     yield struct.pack("<H", total & 0xFFFF)
 
 
+def write_body(kind):
+    """A body of so many bytes and a small attachment."""
+    line = b"All work and no play makes this a dull body of mail, line after line. \n"
+    begin, end = (b"<html><body>\n<pre>", b"</pre>\n</body></html>\n") if kind == "html" else (b"", b"")
+
+    def write(path, size):
+        head = HEAD.replace(b"text/plain", b"text/" + kind.encode())
+        with open(path, "wb") as out:
+            out.write(head.replace(b"Hello\n\n", b"") + begin)
+            for _ in range(size // len(line)):
+                out.write(line)
+            out.write(end + b"--b\n" + PDF + b"Content-Transfer-Encoding: base64\n\n" + base64.encodebytes(bytes(600)) + b"--b--\n")
+    return write
+
+
 def write_container(path, size):
     write_mail(path, b"Content-Type: application/ms-tnef; name=winmail.dat\n", [stream(size)])
 
@@ -121,6 +136,20 @@ class Memory(Case):
         small, large = self.work(write, SMALL), self.work(write, LARGE)
         grown = {name: (small[name], large[name]) for name in small if large[name] - small[name] > ROOM}
         self.assertEqual(grown, {}, "kilobytes for a small message and a large one")
+
+    def body_work(self, write, size):
+        self.home_with(write, size, RemoveAttachment=1, AddURL=1)
+        return {"save with removal": self.peak("save"), "forward": self.peak("forward", 1), "reply": self.peak("reply", 1),
+                "restore": self.peak("restore", 1)}
+
+    def test_a_large_body(self):
+        """A body is text in memory, two bytes a letter: no command holds more than so many times the body."""
+        most = {"save with removal": 10, "forward": 7, "reply": 7, "restore": 5}
+        for kind in ("plain", "html"):
+            small, large = (self.body_work(write_body(kind), size) for size in (SMALL, LARGE))
+            times = {name: (large[name] - small[name]) * 1024 / (LARGE - SMALL) for name in small}
+            too_much = {name: times[name] for name in times if times[name] > most[name]}
+            self.assertEqual(too_much, {}, kind)
 
     def test_many_attachments(self):
         self.check(write_many)

@@ -160,7 +160,7 @@ Text fromCharset(std::string_view bytes, std::string_view charset, Doubt* doubt)
     return latin1(bytes);
   }
   Text out;
-  out.reserve(bytes.size());
+  out.reserve(bytes.size() + bytes.size() / 16);  // room for line ends to be paired in
   while (!converter.convert(bytes, out)) {
     note(doubt, badBytes);
     out += replacement;

@@ -83,6 +83,7 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
 
 std::string decoded(Encoding encoding, std::string_view encoded, Doubt* doubt) {
   std::string bytes;
+  bytes.reserve(encoded.size());
   const auto found = decode(encoding, encoded, [&](std::string_view chunk) { bytes += chunk; });
   if (doubt) *doubt = found;
   return bytes;

@@ -132,7 +132,8 @@ std::vector<ByteHunk> quotedPrintableHunks(std::string_view encoded, const std::
 }
 
 // Base64 is written anew from the first changed group of three bytes on: what follows has shifted.
-std::optional<std::vector<ByteHunk>> base64Hunks(std::string_view encoded, const std::vector<ByteHunk>& hunks,
+std::optional<std::vector<ByteHunk>> base64Hunks(std::string_view encoded, std::string_view decoded,
+                                                 const std::vector<ByteHunk>& hunks,
                                                  std::string_view lineEnd) {
   const std::size_t groups = hunks.front().begin / 3;
   std::size_t begin = 0;
@@ -142,9 +143,7 @@ std::optional<std::vector<ByteHunk>> base64Hunks(std::string_view encoded, const
   while (end > begin && (isBlank(encoded[end - 1]) || encoded[end - 1] == '\r' || encoded[end - 1] == '\n'))
     --end;
 
-  const auto digits = mime::toBase64(
-      std::string_view{applied(mime::decoded(mime::Encoding::base64, encoded), hunks)}.substr(groups * 3),
-      "");
+  const auto digits = mime::toBase64(std::string_view{applied(decoded, hunks)}.substr(groups * 3), "");
   std::string bytes;
   std::size_t column = begin - lineStart(encoded, begin);
   for (std::string_view rest = digits; !rest.empty();) {
@@ -160,33 +159,75 @@ std::optional<std::vector<ByteHunk>> base64Hunks(std::string_view encoded, const
   return std::vector<ByteHunk>{{begin, end, std::move(bytes)}};
 }
 
+// Whether bytes that come one stretch after the other are what these pieces are together.
+class Comparison {
+ public:
+  explicit Comparison(std::vector<std::string_view> wanted) : wanted_(std::move(wanted)) {}
+
+  void expect(std::string_view bytes) {
+    while (!bytes.empty() && same_) {
+      while (next_ < wanted_.size() && wanted_[next_].empty()) ++next_;
+      if (next_ == wanted_.size()) {
+        same_ = false;
+        return;
+      }
+      auto& piece = wanted_[next_];
+      const auto size = std::min(piece.size(), bytes.size());
+      same_ = piece.substr(0, size) == bytes.substr(0, size);
+      piece.remove_prefix(size);
+      bytes.remove_prefix(size);
+    }
+  }
+  bool complete() const {
+    return same_ && std::all_of(wanted_.begin() + static_cast<std::ptrdiff_t>(next_), wanted_.end(),
+                                [](std::string_view piece) { return piece.empty(); });
+  }
+
+ private:
+  std::vector<std::string_view> wanted_;
+  std::size_t next_ = 0;
+  bool same_ = true;
+};
+
 }  // namespace
 
-std::string applied(std::string_view bytes, const std::vector<ByteHunk>& hunks) {
-  std::size_t size = bytes.size(), at = 0;
-  for (const auto& hunk : hunks) size += hunk.bytes.size();
-  std::string result;
-  result.reserve(size);
+std::vector<std::string_view> appliedPieces(std::string_view bytes, const std::vector<ByteHunk>& hunks) {
+  std::vector<std::string_view> pieces;
+  std::size_t at = 0;
   for (const auto& hunk : hunks) {
-    result.append(bytes.substr(at, hunk.begin - at)).append(hunk.bytes);
+    pieces.push_back(bytes.substr(at, hunk.begin - at));
+    pieces.emplace_back(hunk.bytes);
     at = hunk.end;
   }
-  return result.append(bytes.substr(at));
+  pieces.push_back(bytes.substr(at));
+  return pieces;
+}
+
+std::string applied(std::string_view bytes, const std::vector<ByteHunk>& hunks) {
+  const auto pieces = appliedPieces(bytes, hunks);
+  std::size_t size = 0;
+  for (const auto piece : pieces) size += piece.size();
+  std::string result;
+  result.reserve(size);
+  for (const auto piece : pieces) result += piece;
+  return result;
 }
 
 std::optional<std::vector<ByteHunk>> encodedHunks(mime::Encoding encoding, std::string_view encoded,
+                                                  std::string_view decoded,
                                                   const std::vector<ByteHunk>& hunks,
                                                   std::string_view lineEnd) {
   if (hunks.empty()) return hunks;
   if (encoding == mime::Encoding::identity) return plainHunks(encoded, hunks);
   std::optional<std::vector<ByteHunk>> result;
   if (encoding == mime::Encoding::quoted_printable) result = quotedPrintableHunks(encoded, hunks, lineEnd);
-  if (encoding == mime::Encoding::base64) result = base64Hunks(encoded, hunks, lineEnd);
+  if (encoding == mime::Encoding::base64) result = base64Hunks(encoded, decoded, hunks, lineEnd);
   if (!result) return std::nullopt;
   // The proof: what the changed encoding says is what was wanted.
-  const bool right =
-      mime::decoded(encoding, applied(encoded, *result)) == applied(mime::decoded(encoding, encoded), hunks);
-  return right ? result : std::nullopt;
+  Comparison comparison{appliedPieces(decoded, hunks)};
+  mime::decode(encoding, applied(encoded, *result),
+               [&](std::string_view bytes) { comparison.expect(bytes); });
+  return comparison.complete() ? result : std::nullopt;
 }
 
 }  // namespace quillfile::mailbox

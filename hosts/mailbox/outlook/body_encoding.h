@@ -18,11 +18,15 @@ struct ByteHunk {
   std::string bytes;
 };
 
+// What `bytes` become, in pieces and whole.
+std::vector<std::string_view> appliedPieces(std::string_view bytes, const std::vector<ByteHunk>& hunks);
 std::string applied(std::string_view bytes, const std::vector<ByteHunk>& hunks);
 
-// The hunks of `encoded` that are the hunks of its decoded bytes. `encoded` ends lines with `lineEnd`. None
-// when the encoding cannot hold the result, or does not keep to its rules well enough to be changed in part.
+// The hunks of `encoded` that are the hunks of `decoded`, the bytes that it holds. `encoded` ends lines with
+// `lineEnd`. None when the encoding cannot hold the result, or does not keep to its rules well enough to be
+// changed in part.
 std::optional<std::vector<ByteHunk>> encodedHunks(mime::Encoding encoding, std::string_view encoded,
+                                                  std::string_view decoded,
                                                   const std::vector<ByteHunk>& hunks,
                                                   std::string_view lineEnd);
 

@@ -66,20 +66,49 @@ Text withPairedLineEnds(View text) {
   return result;
 }
 
-// Whether `paired` is the text with its line ends paired.
-template <class View>
-bool isPaired(View text, TextView paired) {
-  bool same = true;
-  forLines(text, [&](View line, bool ends) {
-    same = same && line.size() <= paired.size() && std::equal(line.begin(), line.end(), paired.begin());
-    if (!same) return;
-    paired.remove_prefix(line.size());
-    if (!ends) return;
-    same = startsWith(paired, u"\r\n");
-    if (same) paired.remove_prefix(2);
-  });
-  return same && paired.empty();
+// The same within the text itself, from its end on.
+Text withPairedLineEnds(Text text) {
+  std::size_t size = 0;
+  forLines(TextView{text}, [&](TextView line, bool ends) { size += line.size() + (ends ? 2 : 0); });
+  auto from = text.size(), to = size;
+  text.resize(size);
+  while (from < to) {
+    const char16_t unit = text[--to] = text[--from];
+    if (unit == u'\n' && (from == 0 || text[from - 1] != u'\r')) text[--to] = u'\r';
+  }
+  return text;
 }
+
+// Whether a text that comes piece by piece, lines as they come, is `paired` with its line ends paired.
+class PairedComparison {
+ public:
+  explicit PairedComparison(TextView paired) : paired_(paired) {}
+
+  template <class View>
+  void expect(View piece) {
+    while (same_ && !piece.empty()) {
+      const auto line = piece.substr(0, piece.find('\n'));
+      take(line);
+      if (!line.empty()) afterReturn_ = line.back() == '\r';
+      piece.remove_prefix(line.size());
+      if (piece.empty()) return;
+      if (!afterReturn_) take(TextView{u"\r"});
+      take(TextView{u"\n"});
+      afterReturn_ = false;
+      piece.remove_prefix(1);
+    }
+  }
+  bool complete() const { return same_ && paired_.empty(); }
+
+ private:
+  template <class View>
+  void take(View text) {
+    same_ = same_ && text.size() <= paired_.size() && std::equal(text.begin(), text.end(), paired_.begin());
+    if (same_) paired_.remove_prefix(text.size());
+  }
+  TextView paired_;
+  bool same_ = true, afterReturn_ = false;
+};
 
 // From places in a text whose line ends are paired to places in the text as it came. Asked in ascending
 // order.
@@ -173,32 +202,42 @@ std::optional<std::vector<ByteHunk>> byteHunks(const Decoded& decoded, const Tex
     }
     return result;
   };
-  auto result = decoded.withText(hunksIn);
-  if (!result) return result;
-  // The proof: what the changed bytes say is what was wanted.
-  const auto bytes = applied(decoded.bytes, *result);
-  const bool right = mime::isAsciiIn(bytes, decoded.charset)
-                         ? isPaired(std::string_view{bytes}, change.current())
-                         : isPaired(TextView{mime::fromCharset(bytes, decoded.charset)}, change.current());
-  return right ? result : std::nullopt;
+  return decoded.withText(hunksIn);
+}
+
+// The proof: whether what the changed bytes say is what was wanted.
+bool say(const Decoded& decoded, const std::vector<ByteHunk>& hunks, TextView wanted) {
+  const auto pieces = appliedPieces(decoded.bytes, hunks);
+  const bool ascii = std::all_of(pieces.begin(), pieces.end(), [&](std::string_view piece) {
+    return mime::isAsciiIn(piece, decoded.charset);
+  });
+  PairedComparison comparison{wanted};
+  if (ascii) {
+    for (const auto piece : pieces) comparison.expect(piece);
+  } else {
+    comparison.expect(TextView{mime::fromCharset(applied(decoded.bytes, hunks), decoded.charset)});
+  }
+  return comparison.complete();
 }
 
 }  // namespace
 
 BodyText bodyText(const mime::PartTree& tree, mime::PartIndex part) {
-  const auto decoded = decodedPart(tree, part);
-  return {decoded.withText([](auto text) { return withPairedLineEnds(text); }), decoded.doubt};
+  auto decoded = decodedPart(tree, part);
+  return {decoded.ascii ? withPairedLineEnds(decoded.bytes) : withPairedLineEnds(std::move(decoded.text)),
+          decoded.doubt};
 }
 
 std::optional<std::vector<Splice>> bodySplices(const mime::PartTree& tree, mime::PartIndex part,
                                                const TextChange& change) {
   if (tree.body(part).empty()) return std::nullopt;
-  const auto decoded = decodedPart(tree, part);
+  auto decoded = decodedPart(tree, part);
   const bool canonical = tree[part].encoding == mime::Encoding::base64;
   const auto inBytes =
       byteHunks(decoded, change, lineEndOf(decoded.bytes, canonical ? "\r\n" : tree.lineEnd()));
-  if (!inBytes) return std::nullopt;
-  auto hunks = encodedHunks(tree[part].encoding, tree.body(part), *inBytes, tree.lineEnd());
+  decoded.text = {};  // it may be large, and what follows is about bytes
+  if (!inBytes || !say(decoded, *inBytes, change.current())) return std::nullopt;
+  auto hunks = encodedHunks(tree[part].encoding, tree.body(part), decoded.bytes, *inBytes, tree.lineEnd());
   if (!hunks) return std::nullopt;
   std::vector<Splice> splices;
   const auto start = tree[part].body.begin;

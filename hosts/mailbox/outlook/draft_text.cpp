@@ -66,23 +66,27 @@ bool plainEnough(std::string_view text) {
   return true;
 }
 
-std::string textPart(std::string_view type, TextView text) {
-  const auto bytes = toUtf8(replaceAll(text, u"\r\n", u"\n"));
-  std::string part;
-  appendField(part, "Content-Type", std::string{type} + "; charset=utf-8");
-  appendField(part, "Content-Transfer-Encoding", plainEnough(bytes) ? "7bit" : "quoted-printable");
-  part += lineEnd;
-  return part += plainEnough(bytes) ? bytes : mime::toQuotedPrintable(bytes, lineEnd);
-}
-
-// Parts inside a multipart, whose boundary, with its "=_", cannot occur in quoted-printable.
-std::string multipart(std::string_view subtype, const std::vector<std::string>& parts) {
-  const auto boundary = "=_" + freshUniqueName().substr(0, 40) + "_" + std::string{subtype}.substr(0, 3);
-  std::string result;
-  appendField(result, "Content-Type",
-              "multipart/" + std::string{subtype} + ";\n boundary=\"" + boundary + "\"");
-  for (const auto& part : parts) result.append("\n--").append(boundary).append("\n").append(part);
-  return result.append("\n--").append(boundary).append("--\n");
+// Gives the pieces on as UTF-8, one after the other, in stretches of whole lines that end in LF. A line of
+// more than `step` units comes in several, all of which but the last are unfinished.
+template <class Use>
+void inStretches(const std::vector<TextView>& pieces, Use&& use) {
+  constexpr std::size_t step = std::size_t{64} << 10;
+  Text stretch;
+  const auto give = [&](TextView part, bool unfinished) {
+    use(toUtf8(replaceAll(part, u"\r\n", u"\n")), unfinished);
+    stretch.erase(0, part.size());
+  };
+  for (auto piece : pieces) {
+    for (; !piece.empty(); piece.remove_prefix(std::min(step, piece.size()))) {
+      stretch += piece.substr(0, step);
+      const auto lines = stretch.rfind(u'\n') + 1;  // 0 where none ends
+      if (lines > 0) give(TextView{stretch}.substr(0, lines), false);
+      if (stretch.size() <= step) continue;
+      const auto part = cutLeft(stretch, static_cast<Position>(step));
+      give(part.ends_with(u'\r') ? part.substr(0, part.size() - 1) : part, true);
+    }
+  }
+  give(stretch, false);
 }
 
 }  // namespace
@@ -102,23 +106,48 @@ std::size_t bodyStart(TextView html) {
   return 0;
 }
 
-std::string draftText(const DraftHeader& header, const DraftBodies& bodies, const DraftStructure& structure) {
-  std::string message;
-  if (!header.from.address.empty()) appendField(message, "From", mailbox(header.from));
-  appendField(message, "To", listOf(header.to));
-  appendField(message, "Cc", listOf(header.cc));
-  appendField(message, "Subject", mime::encodedText(oneLine(header.subject), lineEnd));
-  appendField(message, "Date", mailTime(header.date));
-  appendField(message, "In-Reply-To", header.inReplyTo);
-  appendField(message, "References", references(header.references, header.inReplyTo));
-  appendField(message, "MIME-Version", "1.0");
+DraftWriter::DraftWriter(const DraftHeader& header, const Sink& sink) : sink_(sink) {
+  std::string fields;
+  if (!header.from.address.empty()) appendField(fields, "From", mailbox(header.from));
+  appendField(fields, "To", listOf(header.to));
+  appendField(fields, "Cc", listOf(header.cc));
+  appendField(fields, "Subject", mime::encodedText(oneLine(header.subject), lineEnd));
+  appendField(fields, "Date", mailTime(header.date));
+  appendField(fields, "In-Reply-To", header.inReplyTo);
+  appendField(fields, "References", references(header.references, header.inReplyTo));
+  appendField(fields, "MIME-Version", "1.0");
+  sink_(fields);
+}
 
-  auto body = textPart("text/plain", bodies.plain);
-  if (!bodies.html.empty()) body = multipart("alternative", {body, textPart("text/html", bodies.html)});
-  if (!bodies.rtf.empty()) body = multipart("alternative", {body, textPart("text/rtf", bodies.rtf)});
-  if (structure.related) body = multipart("related", {body});
-  if (structure.mixed) body = multipart("mixed", {body});
-  return message + body;
+// The boundary, with its "=_", cannot occur in quoted-printable.
+void DraftWriter::open(std::string_view subtype) {
+  boundaries_.push_back("=_" + freshUniqueName().substr(0, 40) + "_" + std::string{subtype.substr(0, 3)});
+  std::string field;
+  appendField(field, "Content-Type",
+              "multipart/" + std::string{subtype} + ";\n boundary=\"" + boundaries_.back() + "\"");
+  sink_(field);
+  next();
+}
+
+void DraftWriter::next() { sink_("\n--" + boundaries_.back() + "\n"); }
+
+void DraftWriter::body(std::string_view type, const std::vector<TextView>& pieces) {
+  bool plain = true;
+  inStretches(pieces, [&](std::string_view lines, bool unfinished) {
+    plain = plain && !unfinished && plainEnough(lines);
+  });
+  std::string fields;
+  appendField(fields, "Content-Type", std::string{type} + "; charset=utf-8");
+  appendField(fields, "Content-Transfer-Encoding", plain ? "7bit" : "quoted-printable");
+  sink_(fields.append(lineEnd));
+  inStretches(pieces, [&](const std::string& lines, bool unfinished) {
+    sink_(plain ? lines : mime::toQuotedPrintable(lines, lineEnd));
+    if (unfinished) sink_("=\n");  // a soft line break
+  });
+}
+
+void DraftWriter::close() {
+  for (; !boundaries_.empty(); boundaries_.pop_back()) sink_("\n--" + boundaries_.back() + "--\n");
 }
 
 }  // namespace quillfile::mailbox

@@ -1,5 +1,5 @@
 // The first bytes of a new message: its header and its bodies, in the structure that its attachments will
-// need.
+// need. They are written as they are made: a body may be large.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 #include "core/text/text.h"
 #include "hosts/mailbox/mime/address.h"
+#include "hosts/mailbox/services/content.h"
 
 namespace quillfile::mailbox {
 
@@ -20,18 +21,21 @@ struct DraftHeader {
   std::string references;  // the original's, to which inReplyTo is added
 };
 
-// Lines end in CR LF. The formats that are empty are left out, but for the plain text.
-struct DraftBodies {
-  Text plain, html, rtf;
-};
+// Writes the message, front to back, lines ending in LF as they do in a Maildir. `sink` must outlive it.
+class DraftWriter {
+ public:
+  DraftWriter(const DraftHeader& header, const Sink& sink);
 
-struct DraftStructure {
-  bool mixed = false;    // attachments will come: the message itself is multipart/mixed, its bodies part 1
-  bool related = false;  // pictures will come: the bodies are in a multipart/related
-};
+  void open(std::string_view subtype);  // a multipart, and in it its first part
+  void next();                          // the next part of the innermost multipart
+  // A text part: the pieces after each other. Their lines end in CR LF.
+  void body(std::string_view type, const std::vector<TextView>& pieces);
+  void close();  // all multiparts; the end
 
-// The message, lines ending in LF as they do in a Maildir.
-std::string draftText(const DraftHeader& header, const DraftBodies& bodies, const DraftStructure& structure);
+ private:
+  const Sink& sink_;
+  std::vector<std::string> boundaries_;
+};
 
 // Header lines with LF for their line ends.
 std::string replacedLineEnds(std::string lines);

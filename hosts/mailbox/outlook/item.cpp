@@ -104,6 +104,8 @@ std::int64_t MailboxItem::size() { return static_cast<std::int64_t>(message()->s
 
 Text MailboxItem::body(BodyKind kind) { return bodies().text(kind); }
 
+Text MailboxItem::takeBody(BodyKind kind) { return bodies().take(kind); }
+
 void MailboxItem::setBody(BodyKind kind, TextView text) {
   touch();
   bodies().set(kind, text);

@@ -46,11 +46,12 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   Subscription listen(ItemEvents& listener) override { return listeners_.add(listener); }
 
   // --- What lists show. Each may throw Failure when the message cannot be read or is gone.
-  Text receivedWithOffset();  // "2026-03-04T14:05:00+01:00"
-  mime::Address sender();     // From; its name falls back to the address
-  Text bodyFormat();          // "HTML", "RTF", "TEXT"
-  std::int64_t size();        // bytes of the message
-  Text body(BodyKind kind);   // as changed; lines end in CR LF
+  Text receivedWithOffset();     // "2026-03-04T14:05:00+01:00"
+  mime::Address sender();        // From; its name falls back to the address
+  Text bodyFormat();             // "HTML", "RTF", "TEXT"
+  std::int64_t size();           // bytes of the message
+  Text body(BodyKind kind);      // as changed; lines end in CR LF
+  Text takeBody(BodyKind kind);  // the same for whoever needs it once; see ItemBodies
   void setBody(BodyKind kind, TextView text);
   bool ownsBody(BodyKind kind);     // the body is the message's own, not made from another one
   TextView ownBody(BodyKind kind);  // such a body, until it or the item changes

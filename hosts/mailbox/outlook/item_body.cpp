@@ -1,6 +1,5 @@
 #include "hosts/mailbox/outlook/item_body.h"
 
-#include "hosts/mailbox/outlook/link_notes.h"
 #include "hosts/mailbox/outlook/plain_text.h"
 #include "hosts/mailbox/outlook/rtf_letters.h"
 #include "hosts/mailbox/services/failure.h"
@@ -51,13 +50,26 @@ mime::PartIndex ItemBodies::part(BodyKind kind) const {
   return kind == BodyKind::html ? layout.html : kind == BodyKind::rtf ? layout.rtf : layout.plain;
 }
 
+BodyText ItemBodies::read(mime::PartIndex part) const {
+  auto text = bodyText(message_->tree(), part);
+  message_->requireAsOpened();
+  giveBack(part);
+  return text;
+}
+
+// The part's bytes, which may be mapped.
+void ItemBodies::giveBack(mime::PartIndex part) const {
+  if (part == mime::noPart) return;
+  const auto range = message_->tree()[part].body;
+  if (const auto behind = message_->behind(range)) behind(range.size());
+}
+
 ItemBodies::Body& ItemBodies::body(BodyKind kind) {
   if (const auto known = bodies_.find(kind); known != bodies_.end()) return known->second;
   const auto at = part(kind);
-  auto read = at == mime::noPart ? BodyText{} : bodyText(message_->tree(), at);
-  message_->requireAsOpened();
-  if (kind == BodyKind::rtf) read.text = rtfUnescaped(read.text);
-  return bodies_.emplace(kind, Body{TextChange{std::move(read.text)}, read.doubt}).first->second;
+  auto [text, doubt] = at == mime::noPart ? BodyText{} : read(at);
+  if (kind == BodyKind::rtf) text = rtfUnescaped(text);
+  return bodies_.emplace(kind, Body{TextChange{std::move(text)}, doubt}).first->second;
 }
 
 // A plain body that the message has not.
@@ -68,7 +80,7 @@ bool ItemBodies::isMade(BodyKind kind) {
 
 // The rich text as it is written, with hunks of what it shows worked in.
 Text ItemBodies::rtfDocument(const std::vector<Hunk>& changes) const {
-  const auto rtf = bodyText(message_->tree(), part(BodyKind::rtf)).text;
+  const auto rtf = read(part(BodyKind::rtf)).text;
   return applied(rtf, rtfHunks(rtf, changes));
 }
 
@@ -76,6 +88,11 @@ Text ItemBodies::text(BodyKind kind) {
   if (!isMade(kind)) return Text{body(kind).change.current()};
   if (format() == u"HTML") return htmlToText(withPlainNotes(body(BodyKind::html).change.current()));
   return rtfToText(rtfDocument(body(BodyKind::rtf).change.hunks()));
+}
+
+Text ItemBodies::take(BodyKind kind) {
+  if (isMade(kind) || body(kind).change.changed()) return text(kind);
+  return std::move(bodies_.extract(kind).mapped().change).release();
 }
 
 void ItemBodies::set(BodyKind kind, TextView text) {
@@ -89,10 +106,13 @@ void ItemBodies::set(BodyKind kind, TextView text) {
 
 TextChange* ItemBodies::own(BodyKind kind) { return isMade(kind) ? nullptr : &body(kind).change; }
 
+bool ItemBodies::isChanged(BodyKind kind) const {
+  const auto known = bodies_.find(kind);
+  return known != bodies_.end() && known->second.change.changed();
+}
+
 bool ItemBodies::changed() const {
-  for (const auto& [kind, body] : bodies_)
-    if (body.change.changed()) return true;
-  return false;
+  return isChanged(BodyKind::html) || isChanged(BodyKind::rtf) || isChanged(BodyKind::plain);
 }
 
 mime::Doubt ItemBodies::doubt() {
@@ -120,23 +140,27 @@ void ItemBodies::dropBlankLinesOfNotes() {
   }
 }
 
-void ItemBodies::apply(mime::Edit& edit, std::vector<Splice>& splices) {
-  const bool alternative = part(BodyKind::plain) != mime::noPart && !body(BodyKind::plain).change.changed();
-  if (alternative && format() != u"TEXT") {
-    auto& plain = body(BodyKind::plain).change;
-    const bool html = format() == u"HTML";
-    const auto& change = body(html ? BodyKind::html : BodyKind::rtf).change;
-    if (change.changed()) {
-      plain.set(html ? followHtml(plain.current(), change.original(), change.current())
-                     : followText(plain.current(), rtfToText(rtfDocument({})),
-                                  rtfToText(rtfDocument(change.hunks()))));
-    }
-  }
-  for (auto& [kind, body] : bodies_)
-    if (body.change.changed()) apply(kind, body, edit, splices);
+NotesChange ItemBodies::notesChange(BodyKind kind) const {
+  const auto& change = bodies_.at(kind).change;
+  if (kind == BodyKind::html) return notesChangeInHtml(change);
+  return notesChangeInText(rtfToText(rtfDocument({})), rtfToText(rtfDocument(change.hunks())));
 }
 
-void ItemBodies::apply(BodyKind kind, const Body& body, mime::Edit& edit, std::vector<Splice>& splices) {
+void ItemBodies::apply(mime::Edit& edit, std::vector<Splice>& splices) {
+  const bool alternative = part(BodyKind::plain) != mime::noPart && !isChanged(BodyKind::plain);
+  for (const auto kind : {BodyKind::html, BodyKind::rtf, BodyKind::plain}) {
+    if (!isChanged(kind)) continue;
+    const bool isFollowed = alternative && kind != BodyKind::plain;
+    const auto notes = isFollowed ? notesChange(kind) : NotesChange{};
+    apply(kind, bodies_.at(kind), edit, splices);
+    bodies_.erase(kind);
+    giveBack(part(kind));
+    if (isFollowed) follow(body(BodyKind::plain).change, notes);
+  }
+}
+
+void ItemBodies::apply(BodyKind kind, const Body& body, mime::Edit& edit,
+                       std::vector<Splice>& splices) const {
   const auto at = part(kind);
   if (at == mime::noPart) {
     if (kind == BodyKind::rtf) throw failure("Could not write a rich-text body: the message has none");

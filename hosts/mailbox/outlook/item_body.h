@@ -8,6 +8,7 @@
 #include "core/platform/item.h"
 #include "hosts/mailbox/mime/edit.h"
 #include "hosts/mailbox/outlook/body_part.h"
+#include "hosts/mailbox/outlook/link_notes.h"
 #include "hosts/mailbox/outlook/message.h"
 
 namespace quillfile::mailbox {
@@ -21,6 +22,8 @@ class ItemBodies {
   // Decoded at the first call. The plain body of a message that has none is made from the one it has. In rich
   // text the characters that are written as control words ("\u8364?") are characters.
   Text text(BodyKind kind);
+  // The same for whoever needs it once: no second copy of it is kept. What is asked for later is read anew.
+  Text take(BodyKind kind);
   void set(BodyKind kind, TextView text);
   // The text of a body that is the message's own, not made: null for any other. Until the bodies go.
   TextChange* own(BodyKind kind);
@@ -32,7 +35,7 @@ class ItemBodies {
   void dropBlankLinesOfNotes();
 
   // Works the changes into an edit: as splices where that is possible. Throws Failure when a body is doubted
-  // and could only be written anew.
+  // and could only be written anew. The bodies are given up one by one: to be called once, and last.
   void apply(mime::Edit& edit, std::vector<Splice>& splices);
 
  private:
@@ -43,8 +46,12 @@ class ItemBodies {
   mime::PartIndex part(BodyKind kind) const;
   Body& body(BodyKind kind);
   bool isMade(BodyKind kind);
+  BodyText read(mime::PartIndex part) const;
+  void giveBack(mime::PartIndex part) const;
+  bool isChanged(BodyKind kind) const;
   Text rtfDocument(const std::vector<Hunk>& changes) const;
-  void apply(BodyKind kind, const Body& body, mime::Edit& edit, std::vector<Splice>& splices);
+  NotesChange notesChange(BodyKind kind) const;
+  void apply(BodyKind kind, const Body& body, mime::Edit& edit, std::vector<Splice>& splices) const;
 
   std::shared_ptr<const Message> message_;
   std::map<BodyKind, Body> bodies_;

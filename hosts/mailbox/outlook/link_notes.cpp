@@ -149,31 +149,59 @@ std::vector<Hunk> rtfNotesToDrop(TextView rtf, const Links& links) {
   return hunks;
 }
 
-Text withoutNotes(TextView text, const std::vector<Text>& links) {
+namespace {
+
+// Each of these links goes as often as it is named.
+std::vector<Hunk> notesToDropOnce(TextView text, const std::vector<Text>& links) {
   auto wanted = counted(links);
-  return applied(text, groupsOfNotes(text, [&](TextView link) {
-                   const auto found = wanted.find(link);
-                   return found != wanted.end() && found->second > 0 && found->second-- > 0;
-                 }));
+  return groupsOfNotes(text, [&](TextView link) {
+    const auto found = wanted.find(link);
+    return found != wanted.end() && found->second > 0 && found->second-- > 0;
+  });
 }
 
-Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd) {
-  Text result{text};
-  Text front;
-  for (const auto& link : links) {
+NotesChange notesChange(const std::vector<Text>& had, const std::vector<Text>& has, bool atEnd) {
+  return {missing(had, has), missing(has, had), atEnd};
+}
+
+}  // namespace
+
+Text withoutNotes(TextView text, const std::vector<Text>& links) {
+  return applied(text, notesToDropOnce(text, links));
+}
+
+NotesChange notesChangeInHtml(const TextChange& html) {
+  const auto had = linksInHtml(html.original());
+  return notesChange(had, linksInHtml(html.current()), notesAtEnd(html.current()));
+}
+
+NotesChange notesChangeInText(TextView before, TextView after) {
+  return notesChange(linksInPlainText(before), linksInPlainText(after), true);
+}
+
+void follow(TextChange& plain, const NotesChange& notes) {
+  std::size_t gone = 0;
+  for (const auto& hunk : notesToDropOnce(plain.current(), notes.went)) {
+    plain.replace(hunk.begin - gone, hunk.end - gone, hunk.replacement);
+    gone += hunk.end - hunk.begin - hunk.replacement.size();
+  }
+  Text come;
+  for (const auto& link : notes.came) {
     const auto note = fill(u"Attachment saved to <{}>", link);
-    if (atEnd) {
-      result.append(lineEnd).append(lineEnd).append(note);
+    if (notes.atEnd) {
+      come.append(lineEnd).append(lineEnd).append(note);
     } else {
-      front.append(note).append(lineEnd).append(lineEnd);
+      come.append(note).append(lineEnd).append(lineEnd);
     }
   }
-  return front + result;
+  const auto at = notes.atEnd ? plain.current().size() : 0;
+  plain.replace(at, at, come);
 }
 
 Text withPlainNotes(TextView html) {
   constexpr TextView opening = u"<p>Attachment saved to <a href=\"";
   Text result;
+  result.reserve(html.size());
   std::size_t kept = 0;
   for (auto at = html.find(opening); at != TextView::npos; at = html.find(opening, at + 1)) {
     const auto begin = at + opening.size();
@@ -185,17 +213,8 @@ Text withPlainNotes(TextView html) {
     result += fill(u"<p>Attachment saved to &lt;{}&gt;</p>", blanksKept);
     kept = begin + link.size() + rest.size();
   }
-  return result.append(html.substr(kept));
-}
-
-Text followHtml(TextView plain, TextView before, TextView after) {
-  const auto had = linksInHtml(before), has = linksInHtml(after);
-  return withNotes(withoutNotes(plain, missing(had, has)), missing(has, had), notesAtEnd(after));
-}
-
-Text followText(TextView plain, TextView before, TextView after) {
-  const auto had = linksInPlainText(before), has = linksInPlainText(after);
-  return withNotes(withoutNotes(plain, missing(had, has)), missing(has, had), true);
+  result.append(html.substr(kept));
+  return result;
 }
 
 }  // namespace quillfile::mailbox

@@ -28,13 +28,16 @@ std::vector<Hunk> rtfNotesToDrop(TextView rtf, const Links& links);
 
 // Without the notes of these links, and without the two line ends that came with each.
 Text withoutNotes(TextView text, const std::vector<Text>& links);
-// With a note for each link, at the end or at the beginning.
-Text withNotes(TextView text, const std::vector<Text>& links, bool atEnd);
 
-// The plain text after its HTML went from `before` to `after`: a note that came into the HTML comes into the
-// text, one that went goes.
-Text followHtml(TextView plain, TextView before, TextView after);
-// The same, where the other body is known by its text.
-Text followText(TextView plain, TextView before, TextView after);
+// What became of the notes of a body: the links of those that went and of those that came, and whether notes
+// stand at the body's end.
+struct NotesChange {
+  std::vector<Text> went, came;
+  bool atEnd = true;
+};
+NotesChange notesChangeInHtml(const TextChange& html);
+NotesChange notesChangeInText(TextView before, TextView after);
+// The plain text beside that body: a note that went there goes here, one that came there comes here.
+void follow(TextChange& plain, const NotesChange& notes);
 
 }  // namespace quillfile::mailbox

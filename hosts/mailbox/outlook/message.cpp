@@ -142,6 +142,11 @@ Message::Message(std::shared_ptr<MessageFile> file)
 Message::Message(std::string bytes)
     : own_(std::move(bytes)), tree_(mime::scan(own_)), layout_(layoutOf(tree_)) {}
 
+Message::Message(std::unique_ptr<const Scratch> bytes)
+    : scratch_(std::move(bytes)),
+      tree_(mime::scan(scratch_->bytes(), behind({0, scratch_->bytes().size()}))),
+      layout_(layoutOf(tree_)) {}
+
 Message::Message(std::shared_ptr<const Message> outer, mime::Range range)
     : outer_(std::move(outer)),
       offset_(range.begin),

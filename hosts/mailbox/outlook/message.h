@@ -31,7 +31,9 @@ Layout layoutOf(const mime::PartTree& tree);
 class Message {
  public:
   explicit Message(std::shared_ptr<MessageFile> file);
-  explicit Message(std::string bytes);  // of a message that is in no folder yet
+  // Of a message that is in no folder yet.
+  explicit Message(std::string bytes);
+  explicit Message(std::unique_ptr<const Scratch> bytes);
   // The message that stands at `range` of another, which it keeps alive.
   Message(std::shared_ptr<const Message> outer, mime::Range range);
   // A message with its containers opened: the bytes that `stored`, which it keeps alive, would have without

@@ -29,7 +29,7 @@ std::optional<std::string> asItWas(const mime::Header& header, const AttachmentS
     const bool fits = bytes.find(delimiter) == std::string::npos && bytes.find('\0') == std::string::npos;
     return fits ? std::optional{bytes} : std::nullopt;
   }
-  const auto hunks = encodedHunks(encoding, "", {{0, 0, bytes}}, lineEnd);
+  const auto hunks = encodedHunks(encoding, "", "", {{0, 0, bytes}}, lineEnd);
   if (!hunks || hunks->front().bytes.find(delimiter) != std::string::npos) return std::nullopt;
   return hunks->front().bytes;
 }

@@ -106,6 +106,7 @@ void skipTo(TextView& html, const std::string& closing) {
 
 Text htmlToText(TextView html) {
   Text text;
+  text.reserve(html.size());
   bool blank = false;
   const auto newLine = [&] {
     blank = false;

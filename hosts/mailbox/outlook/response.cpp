@@ -73,20 +73,19 @@ std::vector<std::pair<Text, Text>> quotedHeader(const mime::Header& header) {
   return rows;
 }
 
-// The original's text stands as it is, without marks in front of its lines: what the module looks for in it
-// is found.
-Text quotedText(const mime::Header& header, TextView text) {
-  Text quoted = u"\r\n\r\n-----Original Message-----\r\n";
-  for (const auto& [name, value] : quotedHeader(header)) quoted += fill(u"{}: {}\r\n", name, value);
-  return (quoted += u"\r\n").append(text);
+// What stands over the quoted text, which itself stands as it is, without marks in front of its lines: what
+// the module looks for in it is found.
+Text topOfText(const mime::Header& header) {
+  Text top = u"\r\n\r\n-----Original Message-----\r\n";
+  for (const auto& [name, value] : quotedHeader(header)) top += fill(u"{}: {}\r\n", name, value);
+  return top += u"\r\n";
 }
 
-Text quotedPage(const mime::Header& header, Text html) {
-  Text block = u"<div><br></div><hr><div>";
+Text topOfPage(const mime::Header& header) {
+  Text top = u"<div><br></div><hr><div>";
   for (const auto& [name, value] : quotedHeader(header))
-    block += fill(u"<b>{}:</b> {}<br>", name, textToHtml(value));
-  html.insert(bodyStart(html), block += u"</div><div><br></div>");
-  return html;
+    top += fill(u"<b>{}:</b> {}<br>", name, textToHtml(value));
+  return top += u"</div><div><br></div>";
 }
 
 // The lines of a part's header that are about its content; they go with it wherever it goes.
@@ -104,14 +103,13 @@ struct Carried {
 };
 
 // Whether `page` shows the part with these header lines.
-bool isShown(const std::string& page, const std::string& header) {
+bool isShown(TextView page, const std::string& header) {
   const auto id = mime::Header{header}.value("Content-ID");
-  return id.size() > 2 && page.find("cid:" + id.substr(1, id.size() - 2)) != std::string::npos;
+  return id.size() > 2 && find(page, u"cid:" + fromUtf8(id.substr(1, id.size() - 2))) > 0;
 }
 
-Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
+Carried carriedBy(MailboxItem& original, Response response, TextView page) {
   Carried carried;
-  const auto page = toUtf8(html);
   for (const auto& source : original.sources()) {
     AddedAttachment added{source, {}};
     const auto part = source->part();
@@ -131,9 +129,20 @@ Carried carriedBy(MailboxItem& original, Response response, const Text& html) {
   return carried;
 }
 
-// The attachments at their places in the draft, and behind them what the original has lost and may get back.
-std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& removed,
-                                    const mime::PartTree& draft, const std::string& page, bool inMixed) {
+// What the original has lost and may get back.
+struct Lost {
+  std::vector<RemovedPart> parts;
+  std::vector<bool> shown;  // by the page, each of them
+};
+
+Lost lostBy(MailboxItem& original, TextView page) {
+  Lost lost{original.removedBefore(), {}};
+  for (const auto& part : lost.parts) lost.shown.push_back(isShown(page, part.header));
+  return lost;
+}
+
+// The attachments at their places in the draft, and behind them what is lost.
+std::vector<AddedAttachment> placed(Carried carried, Lost& lost, const mime::PartTree& draft, bool inMixed) {
   const auto boundary = boundaryOf(draft, 0);
   const auto pictures = inMixed ? boundaryOf(draft, draft.children(0).front()) : boundary;
   std::uint32_t at = 1000;
@@ -150,9 +159,10 @@ std::vector<AddedAttachment> placed(Carried carried, std::vector<RemovedPart>& r
     }
     all.push_back(std::move(other));
   }
-  for (auto& part : removed) {
+  for (std::size_t i = 0; i < lost.parts.size(); ++i) {
+    auto& part = lost.parts[i];
     part.header = replacedLineEnds(contentFields(mime::Header{part.header}));
-    part.boundary = isShown(page, part.header) ? pictures : boundary;
+    part.boundary = lost.shown[i] ? pictures : boundary;
     part.at += at;
   }
   return all;
@@ -178,25 +188,40 @@ DraftHeader headerOf(MailboxItem& original, Response response, const ClientSetup
 
 }  // namespace
 
+// The bodies are written one by one, and each is let go when it is: they may be large.
 std::shared_ptr<MailboxItem> makeResponse(MailboxItem& original, Response response, MailClient& client) {
   const auto header = original.message()->header();
-  DraftBodies bodies;
-  bodies.plain = quotedText(header, original.body(BodyKind::plain));
-  if (original.bodyFormat() == u"HTML") bodies.html = quotedPage(header, original.body(BodyKind::html));
-  if (original.bodyFormat() == u"RTF") bodies.rtf = original.body(BodyKind::rtf);
-
-  auto carried = carriedBy(original, response, bodies.html);
-  auto removed = response == Response::forward ? original.removedBefore() : std::vector<RemovedPart>{};
-  const bool mixed = !carried.others.empty() || !removed.empty();
-  const auto page = toUtf8(bodies.html);
+  const Text format = original.bodyFormat();
+  const bool isPage = format == u"HTML";
+  const TextView page = isPage ? original.ownBody(BodyKind::html) : TextView{};
+  auto carried = carriedBy(original, response, page);
+  auto lost = response == Response::forward ? lostBy(original, page) : Lost{};
+  const bool mixed = !carried.others.empty() || !lost.parts.empty();
   const bool related =
-      !carried.pictures.empty() || std::any_of(removed.begin(), removed.end(),
-                                               [&](const auto& part) { return isShown(page, part.header); });
-  auto message = std::make_shared<const Message>(
-      draftText(headerOf(original, response, client.setup()), bodies, {.mixed = mixed, .related = related}));
-  auto added = placed(std::move(carried), removed, message->tree(), page, mixed);
+      !carried.pictures.empty() || std::find(lost.shown.begin(), lost.shown.end(), true) != lost.shown.end();
+
+  auto draft = std::make_unique<const Scratch>([&](const Sink& sink) {
+    DraftWriter writer{headerOf(original, response, client.setup()), sink};
+    if (mixed) writer.open("mixed");
+    if (related) writer.open("related");
+    if (format != u"TEXT") writer.open("alternative");
+    writer.body("text/plain", {topOfText(header), original.takeBody(BodyKind::plain)});
+    if (isPage) {
+      const auto start = static_cast<Position>(bodyStart(page));
+      writer.next();
+      writer.body("text/html", {left(page, start), topOfPage(header), from(page, start + 1)});
+    }
+    if (format == u"RTF") {
+      writer.next();
+      writer.body("text/rtf", {original.takeBody(BodyKind::rtf)});
+    }
+    writer.close();
+  });
+  if (isPage) original.takeBody(BodyKind::html);
+  auto message = std::make_shared<const Message>(std::move(draft));
+  auto added = placed(std::move(carried), lost, message->tree(), mixed);
   return std::make_shared<MailboxItem>(client.weak_from_this(), std::move(message), std::move(added),
-                                       std::move(removed));
+                                       std::move(lost.parts));
 }
 
 }  // namespace quillfile::mailbox

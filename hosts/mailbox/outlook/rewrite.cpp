@@ -33,8 +33,8 @@ class Rewriting {
     requireChangeable();
     for (const auto& taken : changes_.taken) take(taken);
     addAll();
-    bodies.apply(edit_, splices_);
     if (leavesNothing(bodies)) edit_.addBody(mime::BodyFormat::plain, u"");
+    bodies.apply(edit_, splices_);
     auto pieces = std::make_shared<const mime::Pieces>(spliced(edit_.pieces(), splices_));
     const auto cuts = cutsWith(edit_.cuts(), splices_);
     result_.content = [message = message_, pieces](const Sink& sink) {

@@ -68,7 +68,13 @@ Text TextChange::original() const {
     at = start + hunk.replacement.size();
     ahead += growth(hunk);
   }
-  return result.append(now, at, TextView::npos);
+  result.append(now, at, TextView::npos);
+  return result;
+}
+
+Text TextChange::release() && {
+  text_.erase(0, front_);
+  return std::move(text_);
 }
 
 void TextChange::set(TextView next) {
@@ -158,7 +164,8 @@ Text applied(TextView text, const std::vector<Hunk>& hunks) {
     result.append(text, at, hunk.begin - at).append(hunk.replacement);
     at = hunk.end;
   }
-  return result.append(text, at, TextView::npos);
+  result.append(text, at, TextView::npos);
+  return result;
 }
 
 }  // namespace quillfile::mailbox

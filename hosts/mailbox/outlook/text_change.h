@@ -25,6 +25,7 @@ class TextChange {
   TextChange(Text original, const std::vector<Hunk>& hunks);
 
   Text original() const;  // put together
+  Text release() &&;      // current(), for whoever takes it away
   TextView current() const { return TextView{text_}.substr(front_); }
   // Puts `with` in the place of what stands from index `begin` up to `end` of the current text. It costs what
   // it moves, which is the shorter side where the text gets shorter, and nothing else.

@@ -50,6 +50,32 @@ TEST_F(OutlookResponses, AReplyToAllGoesToEverybodyButTheUser) {
   EXPECT_EQ(reply->sources()[0]->contentId(), "p@x");
 }
 
+// The draft is written in stretches. A line may be longer than these, and a letter or a line end may stand
+// where one ends.
+TEST_F(OutlookResponses, ABodyOfAnySizeStandsInADraftAsItIs) {
+  for (const std::size_t before : {65'400, 65'473, 65'474, 65'475, 65'536}) {
+    for (const std::string_view letter : {"x", "\xC3\xA9", "\xF0\x9F\x98\x80"}) {
+      std::string text(before, 'a');
+      for (int i = 0; i < 100; ++i) text += letter;
+      text += "\n-- \n" + text + "\nFrom here\n" + std::string(200'000, 'b') + " \nend\n";
+      const auto original = deliver(
+          "From: ada@example.org\nSubject: Large\nMIME-Version: 1.0\n"
+          "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: 8bit\n\n" +
+          text);
+      const auto reply = respond(original, Response::reply);
+      EXPECT_EQ(told.failed, std::vector<std::string>{});
+      const auto quoted = replaceAll(reply->body(BodyKind::plain), u"\r\n", u"\n");
+      EXPECT_TRUE(quoted.ends_with(u"Subject: Large\n\n" + fromUtf8(text)));
+      const auto bytes = reply->message()->bytes();
+      for (std::size_t at = 0; at < bytes.size();) {
+        const auto end = std::min(bytes.find('\n', at), bytes.size());
+        ASSERT_LE(end - at, 78u);
+        at = end + 1;
+      }
+    }
+  }
+}
+
 TEST_F(OutlookResponses, AForwardCarriesTheAttachmentsAsTheyWere) {
   auto original = html;
   original.replace(original.find("Numbers"), 7, "fw: Numbers");
