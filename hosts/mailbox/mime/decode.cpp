@@ -81,6 +81,17 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
   return doubt;
 }
 
+DecodedBytes decodedWhole(Encoding encoding, std::string_view encoded, Doubt& doubt) {
+  const bool base64 = encoding == Encoding::base64;
+  const std::size_t most = base64 ? encoded.size() / 4 * 3 + 3 : encoded.size();
+  const Sink nowhere;
+  const Behind none;
+  Progress progress{none};
+  Chunks all{nowhere, most, most};
+  doubt = base64 ? decodeBase64(encoded, all, progress) : decodeQuotedPrintable(encoded, all, progress);
+  return all.release();
+}
+
 std::string decoded(Encoding encoding, std::string_view encoded, Doubt* doubt) {
   std::string bytes;
   bytes.reserve(encoded.size());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,16 @@ Doubt decode(Encoding encoding, std::string_view encoded, const Sink& sink, cons
 bool decodePlain(Encoding encoding, std::string_view encoded, const Sink& sink, const Behind& behind = {});
 // The same for small things, all at once.
 std::optional<std::string> decodePlain(Encoding encoding, std::string_view encoded);
+
+// Bytes in memory, which nobody has set to zero before.
+struct DecodedBytes {
+  std::unique_ptr<char[]> data;
+  std::size_t size = 0;
+
+  std::string_view bytes() const { return {data.get(), size}; }
+};
+// The whole of base64 or quoted-printable, decoded in place; what comes of it is never larger than `encoded`.
+DecodedBytes decodedWhole(Encoding encoding, std::string_view encoded, Doubt& doubt);
 
 // The whole of it at once, for bodies and other small things; `doubt` may be null.
 std::string decoded(Encoding encoding, std::string_view encoded, Doubt* doubt = nullptr);

@@ -3,24 +3,27 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "hosts/mailbox/mime/range.h"
+#include "hosts/mailbox/mime/decode.h"
 
 namespace quillfile::mime {
 
 // Gathers decoded bytes into chunks for a sink, so that a decoder writes straight into the chunk.
 class Chunks {
  public:
-  // `most` is the largest number of bytes that the decoder will write.
-  Chunks(const Sink& sink, std::size_t most) : sink_{sink}, buffer_(std::min(most, chunk) + slack, '\0') {}
+  // `most` is the largest number of bytes that the decoder will write, `chunk` that of one chunk.
+  Chunks(const Sink& sink, std::size_t most, std::size_t chunk = std::size_t{128} << 10)
+      : sink_{sink}, size_{std::min(most, chunk) + slack}, buffer_{new char[size_]} {}
 
-  // Room for `bytes`, at most half a chunk, and 32 more that vector code may scribble on. Then say what was
+  // Room for `bytes`, at most a chunk, and 32 more that vector code may scribble on. Then say what was
   // written.
   char* room(std::size_t bytes) {
-    if (used_ + bytes + slack > buffer_.size()) flush();
-    return buffer_.data() + used_;
+    if (used_ + bytes + slack > size_) flush();
+    return buffer_.get() + used_;
   }
   void written(std::size_t bytes) { used_ += bytes; }
 
@@ -30,22 +33,24 @@ class Chunks {
   }
   void append(std::string_view bytes) {
     while (!bytes.empty()) {
-      const auto part = bytes.substr(0, std::min(bytes.size(), chunk / 2));
+      const auto part = bytes.substr(0, std::min(bytes.size(), size_ - slack));
       std::memcpy(room(part.size()), part.data(), part.size());
       written(part.size());
       bytes.remove_prefix(part.size());
     }
   }
   void flush() {
-    if (used_ > 0) sink_({buffer_.data(), used_});
+    if (used_ > 0) sink_({buffer_.get(), used_});
     used_ = 0;
   }
+  // The bytes since the last flush; the last call.
+  DecodedBytes release() { return {std::move(buffer_), used_}; }
 
  private:
-  static constexpr std::size_t chunk = std::size_t{128} << 10;
   static constexpr std::size_t slack = 32;
   const Sink& sink_;
-  std::string buffer_;
+  std::size_t size_;
+  std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
 };
 

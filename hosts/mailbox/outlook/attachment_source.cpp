@@ -6,6 +6,7 @@
 #include <unistd.h>
 #include <array>
 #include <cerrno>
+#include <utility>
 
 #include "hosts/mailbox/mime/clean_name.h"
 #include "hosts/mailbox/mime/decode.h"
@@ -27,8 +28,9 @@ std::string withoutBrackets(std::string value) {
 
 class PartSource final : public AttachmentSource, public std::enable_shared_from_this<PartSource> {
  public:
-  PartSource(std::shared_ptr<const Message> message, mime::PartIndex part, std::int32_t number)
-      : message_(std::move(message)), part_(part), number_(number) {}
+  PartSource(std::shared_ptr<const Message> message, mime::PartIndex part, std::int32_t number,
+             std::optional<DecodedPart> decoded)
+      : message_(std::move(message)), part_(part), number_(number), decoded_(std::move(decoded)) {}
 
   AttachmentType type() const override {
     if (isMessage()) return AttachmentType::embedded_item;
@@ -93,7 +95,12 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
       size += static_cast<std::int64_t>(bytes.size());
       sink(bytes);
     };
-    doubt_ = mime::decode(at.encoding, tree().body(part_), counted, message_->behind(at.body));
+    if (const auto ready = std::exchange(decoded_, {})) {
+      counted(ready->content.bytes());
+      doubt_ = ready->doubt;
+    } else {
+      doubt_ = mime::decode(at.encoding, tree().body(part_), counted, message_->behind(at.body));
+    }
     message_->requireAsOpened();
     size_ = size;
   }
@@ -104,6 +111,7 @@ class PartSource final : public AttachmentSource, public std::enable_shared_from
   std::shared_ptr<const Message> message_;
   mime::PartIndex part_;
   std::int32_t number_;
+  mutable std::optional<DecodedPart> decoded_;
   mutable std::int64_t size_ = -1;
   mutable mime::Doubt doubt_;
 };
@@ -157,20 +165,37 @@ Text numberedName(std::int32_t number) {
   return u"ATT" + Text(5 - std::min<std::size_t>(5, digits.size()), u'0') + digits;
 }
 
+DecodedParts decodedAttachments(const Message& message) {
+  DecodedParts decoded;
+  const auto& tree = message.tree();
+  for (const auto part : message.layout().attachments) {
+    const auto encoding = tree[part].encoding;
+    if (encoding != mime::Encoding::base64 && encoding != mime::Encoding::quoted_printable) continue;
+    DecodedPart one{.part = part, .content = {}, .doubt = {}};
+    one.content = mime::decodedWhole(encoding, tree.body(part), one.doubt);
+    decoded.push_back(std::move(one));
+  }
+  return decoded;
+}
+
 std::shared_ptr<const AttachmentSource> partSource(std::shared_ptr<const Message> message,
-                                                   mime::PartIndex part, std::int32_t number) {
-  return std::make_shared<PartSource>(std::move(message), part, number);
+                                                   mime::PartIndex part, std::int32_t number,
+                                                   std::optional<DecodedPart> decoded) {
+  return std::make_shared<PartSource>(std::move(message), part, number, std::move(decoded));
 }
 
 std::shared_ptr<const AttachmentSource> fileSource(Text path, std::string bytesAt, Text displayName) {
   return std::make_shared<FileSource>(std::move(path), std::move(bytesAt), std::move(displayName));
 }
 
-AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message) {
+AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message, DecodedParts decoded) {
   AttachmentSources sources;
+  auto ready = decoded.begin();
   for (const auto part : message->layout().attachments) {
     const auto number = static_cast<std::int32_t>(sources.size()) + 1;
-    sources.push_back(partSource(message, part, number));
+    const bool isReady = ready != decoded.end() && ready->part == part;
+    sources.push_back(
+        partSource(message, part, number, isReady ? std::optional{std::move(*ready++)} : std::nullopt));
   }
   return sources;
 }

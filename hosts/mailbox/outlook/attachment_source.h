@@ -32,10 +32,22 @@ class AttachmentSource {
 
 using AttachmentSources = std::vector<std::shared_ptr<const AttachmentSource>>;
 
+// The bytes of a part, decoded before anybody asked.
+struct DecodedPart {
+  mime::PartIndex part = 0;
+  mime::DecodedBytes content;
+  mime::Doubt doubt;
+};
+using DecodedParts = std::vector<DecodedPart>;  // by part
+
+// Decodes the attachments of a message that are in base64 or quoted-printable.
+DecodedParts decodedAttachments(const Message& message);
+
 // A part of a message. `number` is its place among the message's attachments, from 1: an attachment without
-// any name is called after it, "ATT00001".
+// any name is called after it, "ATT00001". What was decoded of it is used once and not kept.
 std::shared_ptr<const AttachmentSource> partSource(std::shared_ptr<const Message> message,
-                                                   mime::PartIndex part, std::int32_t number);
+                                                   mime::PartIndex part, std::int32_t number,
+                                                   std::optional<DecodedPart> decoded = {});
 
 // What an attachment without any name is called: "ATT00001".
 Text numberedName(std::int32_t number);
@@ -44,7 +56,7 @@ Text numberedName(std::int32_t number);
 // batch.
 std::shared_ptr<const AttachmentSource> fileSource(Text path, std::string bytesAt, Text displayName);
 
-// All attachments of a message.
-AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message);
+// All attachments of a message; `decoded`: those of them that were decoded already.
+AttachmentSources attachmentsOf(const std::shared_ptr<const Message>& message, DecodedParts decoded = {});
 
 }  // namespace quillfile::mailbox

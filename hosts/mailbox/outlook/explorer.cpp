@@ -5,11 +5,16 @@
 
 namespace quillfile::mailbox {
 
+MailboxSelection::MailboxSelection(Items items)
+    : items_(std::move(items)),
+      ahead_(items_.size(), [this](std::size_t index) { return items_[index]->expectedPath(); }) {}
+
 Ref<Item> MailboxSelection::item(std::int32_t index) {
   if (index < 1 || index > count())
     throw failure("There is no selected item number " + std::to_string(index));
   const auto& item = items_[static_cast<std::size_t>(index) - 1];
   item->clientOf().turnTo(*item);
+  item->adopt(ahead_.take(static_cast<std::size_t>(index) - 1));
   return item;
 }
 

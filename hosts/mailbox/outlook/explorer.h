@@ -8,6 +8,7 @@
 #include "hosts/mailbox/outlook/folder.h"
 #include "hosts/mailbox/outlook/item.h"
 #include "hosts/mailbox/outlook/listeners.h"
+#include "hosts/mailbox/outlook/reading_ahead.h"
 
 namespace quillfile::mailbox {
 
@@ -15,15 +16,16 @@ using Items = std::vector<std::shared_ptr<MailboxItem>>;
 
 // Items are opened only when they are asked for something, so a selection of a whole folder is cheap. Whoever
 // walks over a selection is done with an item when the next one is asked for: that keeps few of them in
-// memory.
+// memory. The messages that come next are read meanwhile.
 class MailboxSelection final : public Selection {
  public:
-  explicit MailboxSelection(Items items) : items_(std::move(items)) {}
+  explicit MailboxSelection(Items items);
   std::int32_t count() override { return static_cast<std::int32_t>(items_.size()); }
   Ref<Item> item(std::int32_t index) override;
 
  private:
   Items items_;
+  ReadingAhead ahead_;
 };
 
 class MailboxExplorer final : public Explorer {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/module/procedure.h"
 #include "hosts/mailbox/outlook/attachments.h"
 #include "hosts/mailbox/outlook/client.h"
 #include "hosts/mailbox/outlook/container.h"
@@ -36,10 +37,27 @@ std::shared_ptr<const Message> MailboxItem::message() {
   auto file = folder_->open(unique_);
   if (!file && !uniqueBefore_.empty()) file = folder_->open(unique_ = uniqueBefore_);
   if (!file) throw failure("The message " + folder_->itemId(unique_) + " is no longer there");
-  opened().message = withContainersOpened(std::make_shared<const Message>(std::move(file)));
+  open(withContainersOpened(std::make_shared<const Message>(std::move(file))));
+  return opened().message;
+}
+
+void MailboxItem::open(std::shared_ptr<const Message> message) {
+  opened().message = std::move(message);
   remember(removedParts(opened().message->header()));
   client()->underWay(shared_from_this());
-  return opened().message;
+}
+
+std::string MailboxItem::expectedPath() const {
+  std::optional<Location> location;
+  if (!isNew()) ignoringErrors([&] { location = folder_->expected(unique_); });
+  return location ? folder_->filePath(*location) : "";
+}
+
+void MailboxItem::adopt(ReadMessage read) {
+  const bool isOpen = opened_ && opened_->message;
+  if (!read.message || isOpen || handedOver_ || !read.message->file()->isStillAt(expectedPath())) return;
+  open(std::move(read.message));
+  opened().decoded = std::move(read.decoded);
 }
 
 ItemBodies& MailboxItem::bodies() {
@@ -51,7 +69,7 @@ ItemBodies& MailboxItem::bodies() {
 AttachmentSources& MailboxItem::ownSources() {
   const auto message = this->message();
   if (!opened().sources) {
-    auto sources = attachmentsOf(message);
+    auto sources = attachmentsOf(message, std::exchange(opened().decoded, {}));
     for (const auto& added : changes().added) sources.push_back(added.source);
     opened().sources = std::move(sources);
   }

@@ -15,6 +15,7 @@
 #include "hosts/mailbox/outlook/item_body.h"
 #include "hosts/mailbox/outlook/item_changes.h"
 #include "hosts/mailbox/outlook/listeners.h"
+#include "hosts/mailbox/outlook/reading_ahead.h"
 #include "hosts/mailbox/services/batch.h"
 #include "hosts/mailbox/store/mail_folder.h"
 
@@ -74,6 +75,11 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   bool isNew() const { return folder_ == nullptr; }
   std::shared_ptr<const Message> message();  // opens it; throws Failure when it cannot be read or is gone
   const std::vector<RemovedPart>& removedBefore() { return message(), opened().removedBefore; }
+  // Where the message probably is; empty when that is not known.
+  std::string expectedPath() const;
+  // Opens the item with what somebody has read of it already; not when that is null or no longer so, or the
+  // item is open.
+  void adopt(ReadMessage read);
   const AttachmentSources& sources();  // as they are now: removed ones left out, added ones last
   MailClient& clientOf() const { return *client(); }
 
@@ -86,6 +92,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   struct Opened {
     std::shared_ptr<const Message> message;
     std::optional<ItemBodies> bodies;
+    DecodedParts decoded;  // until the sources are made
     std::optional<AttachmentSources> sources;
     std::vector<RemovedPart> removedBefore;
     std::set<std::pair<std::string, std::size_t>> awaited;  // those not put back: path, and index of the part
@@ -100,6 +107,7 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   // Something is about to change: what went to the batch before must be on disk, and is read anew.
   void touch();
   void readAnew();
+  void open(std::shared_ptr<const Message> message);
   void remember(std::vector<RemovedPart> removed);
   void forget() { opened_.reset(); }
   // Why the attachment must stay in the message, a sentence; empty when it may go. `file` is what it was

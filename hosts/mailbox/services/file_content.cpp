@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "hosts/mailbox/services/failure.h"
 
@@ -13,6 +14,7 @@ namespace quillfile::mailbox {
 namespace {
 
 constexpr std::size_t bufferSize = 256 << 10;
+constexpr std::size_t writtenAsIs = 64 << 10;  // from here on a system call is cheaper than a copy
 
 // One buffer for all: the host writes and compares one file at a time on each thread.
 char* buffer() {
@@ -53,14 +55,9 @@ std::int64_t writeContent(int file, const Content& content, const std::string& p
   std::int64_t size = 0;
   content([&](std::string_view bytes) {
     size += static_cast<std::int64_t>(bytes.size());
-    if (bytes.size() > bufferSize - used) {
-      writeAll(file, {gathered, used}, path);
-      used = 0;
-    }
-    if (bytes.size() >= bufferSize) {
-      writeAll(file, bytes, path);
-      return;
-    }
+    const bool asIs = bytes.size() >= writtenAsIs;
+    if (asIs || bytes.size() > bufferSize - used) writeAll(file, {gathered, std::exchange(used, 0)}, path);
+    if (asIs) return writeAll(file, bytes, path);
     std::memcpy(gathered + used, bytes.data(), bytes.size());
     used += bytes.size();
   });

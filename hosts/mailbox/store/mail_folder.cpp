@@ -62,6 +62,14 @@ std::optional<Location> MailFolder::find(std::string_view unique) const {
   return std::nullopt;
 }
 
+std::optional<Location> MailFolder::expected(std::string_view unique) const {
+  const auto noted = notedLocations_.find(std::string{unique});
+  if (noted != notedLocations_.end()) return noted->second;
+  const auto entry = remembered_ ? remembered_->find(unique) : std::nullopt;
+  if (!entry) return find(unique);
+  return Location{.fileName = std::string{entry->fileName}, .isNew = entry->isNew};
+}
+
 void MailFolder::noteLocation(std::string_view unique, Location location) const {
   constexpr std::size_t most = 1024;
   if (notedLocations_.size() >= most) notedLocations_.clear();

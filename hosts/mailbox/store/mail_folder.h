@@ -50,6 +50,8 @@ class MailFolder {
   // Where the message is now; none when it is gone. One system call while nobody has renamed it since the
   // folder was last looked at, one reading of the folder otherwise. Throws Failure.
   std::optional<Location> find(std::string_view unique) const;
+  // Where it was when last seen, without a look; as find() where it has not been seen.
+  std::optional<Location> expected(std::string_view unique) const;
   // What a caller has just learned about where a message is (a watch, an own rename) saves find() the
   // reading.
   void noteLocation(std::string_view unique, Location location) const;

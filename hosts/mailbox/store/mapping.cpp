@@ -1,5 +1,5 @@
-// The signal comes in the middle of reading a mapped byte, never in the middle of this file's own work, so
-// the handler may walk the list of mappings.
+// The signal comes in the middle of reading a mapped byte, never in the middle of this file's own work. So
+// the handler may wait for the list of mappings: whoever holds it is another thread, and soon done.
 #include "hosts/mailbox/store/mapping.h"
 
 #include <signal.h>
@@ -14,7 +14,23 @@
 namespace quillfile::mailbox {
 namespace {
 
+// Holds the list of mappings. No mutex: a signal's handler may not take one.
+class ListHeld {
+ public:
+  ListHeld() {
+    while (held.test_and_set(std::memory_order_acquire)) {
+    }
+  }
+  ~ListHeld() { held.clear(std::memory_order_release); }
+  ListHeld(const ListHeld&) = delete;
+  ListHeld& operator=(const ListHeld&) = delete;
+
+ private:
+  static inline std::atomic_flag held;
+};
+
 Mapping* mappings = nullptr;
+static_assert(std::atomic<bool>::is_always_lock_free);
 struct sigaction before {};
 const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 
@@ -23,6 +39,7 @@ const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 // Puts a page of zeros where one was lost; false when the address is in no mapping.
 bool replaceLostPage(const void* address) {
   const auto at = static_cast<const char*>(address);
+  const ListHeld hold;
   for (Mapping* mapping = mappings; mapping != nullptr; mapping = mapping->next_) {
     if (at < mapping->begin_ || at >= mapping->begin_ + mapping->size_) continue;
     const auto start = mapping->begin_ + static_cast<std::size_t>(at - mapping->begin_) / page * page;
@@ -62,14 +79,18 @@ Mapping::Mapping(int file, std::size_t size, std::string_view path) : size_(size
   if (mapped == MAP_FAILED) throw fromErrno(errno, "map the message", path);
   begin_ = static_cast<char*>(mapped);
   ::madvise(begin_, size_, MADV_SEQUENTIAL);
+  const ListHeld hold;
   next_ = mappings;
   mappings = this;
 }
 
 Mapping::~Mapping() {
-  Mapping** link = &mappings;
-  while (*link != this) link = &(*link)->next_;
-  *link = next_;
+  {
+    const ListHeld hold;
+    Mapping** link = &mappings;
+    while (*link != this) link = &(*link)->next_;
+    *link = next_;
+  }
   ::munmap(begin_, size_);
 }
 

@@ -1,10 +1,11 @@
 // Mapping: the bytes of an open file, mapped read-only. Where a page cannot be had any more (another program
 // has cut the file short, the disk fails), its bytes read as zeros instead of stopping the program with
 // SIGBUS, and the mapping says so from then on. The first mapping of a process takes over that signal; one
-// that is about no mapping goes to whoever had it before. All mappings of a process are made, read and given
-// up on one thread.
+// that is about no mapping goes to whoever had it before. Mappings may be made, read and given up on any
+// thread, each by one at a time.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <string_view>
 
@@ -30,8 +31,8 @@ class Mapping {
 
   char* begin_ = nullptr;
   std::size_t size_;
-  volatile bool whole_ = true;  // the signal clears it in the middle of a read
-  Mapping* next_ = nullptr;     // of all mappings
+  std::atomic<bool> whole_ = true;  // the signal clears it in the middle of a read
+  Mapping* next_ = nullptr;         // of all mappings
 };
 
 }  // namespace quillfile::mailbox

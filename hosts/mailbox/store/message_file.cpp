@@ -70,10 +70,18 @@ mime::Behind MessageFile::behind() const {
 }
 
 bool MessageFile::isAsOpened() const {
-  if (mapped_ && !mapped_->isWhole()) return false;
   struct stat status {};
-  return ::fstat(descriptor(), &status) == 0 && status.st_size == size() &&
-         nanoseconds(status.st_mtim) == modified_;
+  return ::fstat(descriptor(), &status) == 0 && isThis(status);
+}
+
+bool MessageFile::isStillAt(const std::string& path) const {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && isThis(status);
+}
+
+bool MessageFile::isThis(const struct stat& status) const {
+  return status.st_ino == inode_ && status.st_dev == device_ && status.st_size == size() &&
+         nanoseconds(status.st_mtim) == modified_ && (!mapped_ || mapped_->isWhole());
 }
 
 // A message that has no name left was rewritten or deleted while this process waited to open it.

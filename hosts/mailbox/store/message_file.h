@@ -11,6 +11,8 @@
 #include "hosts/mailbox/services/descriptor.h"
 #include "hosts/mailbox/store/mapping.h"
 
+struct stat;
+
 namespace quillfile::mailbox {
 
 class MailFolder;
@@ -36,6 +38,9 @@ class MessageFile {
   // opened, and every byte that was looked at could be read.
   bool isAsOpened() const;
 
+  // Whether `path` names this very file, and its bytes are as opened.
+  bool isStillAt(const std::string& path) const;
+
   // Takes the message for this process (flock): false when another process is handling it. Held until this
   // object goes. Where the file system has no locks the answer is true.
   bool lock();
@@ -48,6 +53,7 @@ class MessageFile {
 
  private:
   MessageFile() = default;
+  bool isThis(const struct stat& status) const;
 
   Descriptor file_;
   std::unique_ptr<char[]> read_;

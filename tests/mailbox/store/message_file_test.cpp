@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 #include "tests/mailbox/support/temporary_folder.h"
 
@@ -56,6 +58,44 @@ TEST(MessageFile, ASmallMessageKeepsItsBytesAndSaysWhenTheFileIsAnother) {
   writeFile(folder / "message", "another\n");
   EXPECT_EQ(message->bytes(), "one\n");
   EXPECT_FALSE(message->isAsOpened());
+}
+
+TEST(MessageFile, IsStillAtItsPathUntilAnotherFileStandsThereOrItsBytesChange) {
+  const TemporaryFolder folder;
+  writeFile(folder / "a", "one\n");
+  const auto message = MessageFile::open(folder / "a");
+  EXPECT_TRUE(message->isStillAt(folder / "a"));
+  ASSERT_EQ(::rename((folder / "a").c_str(), (folder / "b").c_str()), 0);
+  EXPECT_FALSE(message->isStillAt(folder / "a"));
+  EXPECT_TRUE(message->isStillAt(folder / "b"));
+  writeFile(folder / "a", "one\n");
+  EXPECT_FALSE(message->isStillAt(folder / "a"));
+  writeFile(folder / "b", "another\n");
+  EXPECT_FALSE(message->isStillAt(folder / "b"));
+}
+
+// While one thread meets lost pages, another makes and gives up mappings.
+TEST(MessageFile, LostPagesAreReplacedBesideAThreadThatMapsOtherFiles) {
+  const TemporaryFolder folder;
+  writeFile(folder / "other", std::string(large, 'y'));
+  std::atomic<bool> stop = false;
+  std::thread mapper{[&] {
+    while (!stop) {
+      const auto other = MessageFile::open(folder / "other");
+      EXPECT_EQ(std::count(other->bytes().begin(), other->bytes().end(), 'y'), large);
+      EXPECT_TRUE(other->isAsOpened());
+    }
+  }};
+  for (int i = 0; i < 50; ++i) {
+    const auto path = folder / "message";
+    writeFile(path, std::string(large, 'x'));
+    const auto message = MessageFile::open(path);
+    ASSERT_EQ(::truncate(path.c_str(), 0), 0);
+    EXPECT_EQ(std::count(message->bytes().begin(), message->bytes().end(), '\0'), large);
+    EXPECT_FALSE(message->isAsOpened());
+  }
+  stop = true;
+  mapper.join();
 }
 
 TEST(MessageFileDeathTest, ABusErrorElsewhereStopsTheProgramAsBefore) {
