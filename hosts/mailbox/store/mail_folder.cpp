@@ -45,6 +45,9 @@ std::string MailFolder::filePath(const Location& location) const {
   return directory_ + (location.isNew ? "/new/" : "/cur/") + location.fileName;
 }
 
+// A reading may miss a message that is renamed while it lasts, and what it found may have another name by the
+// time of the look. So a message is gone when two readings in a row have not found it, and never because of a
+// look.
 std::optional<Location> MailFolder::find(std::string_view unique) const {
   const auto isThere = [&](const Location& location) {
     struct stat status {};
@@ -52,14 +55,19 @@ std::optional<Location> MailFolder::find(std::string_view unique) const {
   };
   const auto noted = notedLocations_.find(std::string{unique});
   if (noted != notedLocations_.end() && isThere(noted->second)) return noted->second;
-  for (const bool readAgain : {false, true}) {
-    if (readAgain) remembered_ = std::make_shared<const Listing>(list());
-    const auto entry = remembered_ ? remembered_->find(unique) : std::nullopt;
-    if (!entry) continue;
-    Location location{.fileName = std::string{entry->fileName}, .isNew = entry->isNew};
-    if (isThere(location)) return location;
+  int missed = 0;
+  for (int i = 0; i < renameTries; ++i) {
+    const bool readNow = i > 0 || !remembered_;
+    if (readNow) remembered_ = std::make_shared<const Listing>(list());
+    if (const auto entry = remembered_->find(unique)) {
+      Location location{.fileName = std::string{entry->fileName}, .isNew = entry->isNew};
+      if (isThere(location)) return location;
+      missed = 0;
+    } else if (readNow && ++missed == 2) {
+      return std::nullopt;
+    }
   }
-  return std::nullopt;
+  neverStill("find the message", itemId(unique));
 }
 
 std::optional<Location> MailFolder::expected(std::string_view unique) const {

@@ -48,7 +48,8 @@ class MailFolder {
   Listing list() const { return Listing::read(directory_); }
 
   // Where the message is now; none when it is gone. One system call while nobody has renamed it since the
-  // folder was last looked at, one reading of the folder otherwise. Throws Failure.
+  // folder was last looked at, one reading of the folder otherwise, two to be sure that it is gone. Throws
+  // Failure.
   std::optional<Location> find(std::string_view unique) const;
   // Where it was when last seen, without a look; as find() where it has not been seen.
   std::optional<Location> expected(std::string_view unique) const;

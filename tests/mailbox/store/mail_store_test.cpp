@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <thread>
+
 #include "core/platform/failure.h"
 #include "hosts/mailbox/store/maildir_name.h"
 #include "tests/mailbox/support/temporary_folder.h"
@@ -172,6 +175,25 @@ TEST_F(MailFolderTest, FindsAMessageWhateverBecameOfItsFlags) {
   EXPECT_EQ(inbox->find("200.b.host")->fileName, "200.b.host:2,RS");
   std::filesystem::remove(dir / "cur/200.b.host:2,RS");
   EXPECT_EQ(inbox->open("200.b.host"), nullptr);
+}
+
+TEST_F(MailFolderTest, FindsAMessageThatAnotherProgramRenamesAllTheTime) {
+  const std::string one = inbox->directory() + "/cur/200.b.host:2,S";
+  const std::string other = inbox->directory() + "/cur/200.b.host:2,";
+  std::filesystem::rename(inbox->filePath(*inbox->find("200.b.host")), one);
+  std::atomic<bool> stop = false;
+  std::thread renamer{[&] {
+    for (bool there = true; !stop; there = !there)
+      ::rename((there ? one : other).c_str(), (there ? other : one).c_str());
+  }};
+  int lost = 0;
+  for (int i = 0; i < 2000; ++i) {
+    inbox->forgetLocations();
+    if (!inbox->find("200.b.host")) ++lost;
+  }
+  stop = true;
+  renamer.join();
+  EXPECT_EQ(lost, 0);
 }
 
 TEST_F(MailFolderTest, MarksKeepWhatOtherProgramsSet) {
