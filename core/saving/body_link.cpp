@@ -6,18 +6,27 @@ namespace {
 
 constexpr TextView name = u"UpdateEmailBody";
 
+Position lengthOf(TextView text) { return static_cast<Position>(text.size()); }
+
+// At the very end of a body, or at its start.
+void putIn(WorkingCopy& body, TextView text, bool atEnd) {
+  const auto at = atEnd ? lengthOf(body.text()) + 1 : 1;
+  body.replace(at, at, text);
+}
+
 Text htmlNote(TextView link) { return fill(u"<p>Attachment saved to <a href=\"{}\">{}</a></p>", link, link); }
 
 Text plainNote(TextView link) { return fill(u"Attachment saved to <{}>", link); }
 
 // At every body tag; a body without one gets the note at its very start or end. A tag with attributes does
 // not count as one, and a tag that was found is written anew in its own spelling.
-Text htmlWithNote(LetterCase& letters, TextView body, TextView note, bool atBottom) {
+void putIntoHtml(LetterCase& letters, WorkingCopy& body, TextView note, bool atBottom) {
   const TextView tag = atBottom ? u"</Body>" : u"<Body>";
   const auto noted = atBottom ? Text{note}.append(tag) : Text{tag}.append(note);
-  auto result = replaceAllIgnoringCase(letters, body, tag, noted);
-  if (result.size() == body.size()) result.insert(atBottom ? result.size() : 0, note);
-  return result;
+  const auto next = [&](Position start) { return findIgnoringCase(letters, body.text(), tag, start); };
+  auto at = next(1);
+  if (at == 0) return putIn(body, note, atBottom);
+  for (; at > 0; at = next(at + lengthOf(noted))) body.replace(at, at + lengthOf(tag), noted);
 }
 
 // Before the last closing brace; none where there is no brace.
@@ -25,10 +34,6 @@ std::optional<Text> rtfWithNote(TextView body, TextView note) {
   const auto brace = findLast(body, u"}");
   if (brace == 0) return std::nullopt;
   return fill(u"{}\\par\r\n{}\\par}", left(body, brace - 1), replaceAll(note, u"\\", u"\\\\"));
-}
-
-Text plainWithNote(TextView body, TextView note, bool atBottom) {
-  return atBottom ? fill(u"{}\r\n\r\n{}", body, note) : fill(u"{}\r\n\r\n{}", note, body);
 }
 
 }  // namespace
@@ -45,7 +50,7 @@ bool QuillfileRoutines::UpdateEmailBody(const Ref<Item>& item, TextView link) {
     else if (format == u"RTF")
       noteInRtf(*safe, note);
     else
-      safe->setBody(BodyKind::plain, plainWithNote(safe->body(BodyKind::plain), note, atBottom));
+      noteInPlainText(*safe, note, atBottom);
     safe->save();
     ports_.trace(name, u"*** Body updated: {}", note);
     return true;
@@ -54,11 +59,19 @@ bool QuillfileRoutines::UpdateEmailBody(const Ref<Item>& item, TextView link) {
 }
 
 void QuillfileRoutines::noteInHtml(SafeItem& safe, TextView note, bool atBottom) {
-  const auto body = safe.body(BodyKind::html);
-  if (body.empty())
+  const auto body = safe.workingCopy(BodyKind::html);
+  if (body->text().empty()) {
     state_.pendingHtmlLinks.append(note);
-  else
-    safe.setBody(BodyKind::html, htmlWithNote(ports_.letters, body, note, atBottom));
+    return;
+  }
+  putIntoHtml(ports_.letters, *body, note, atBottom);
+  body->write();
+}
+
+void QuillfileRoutines::noteInPlainText(SafeItem& safe, TextView note, bool atBottom) {
+  const auto body = safe.workingCopy(BodyKind::plain);
+  putIn(*body, atBottom ? fill(u"\r\n\r\n{}", note) : fill(u"{}\r\n\r\n", note), atBottom);
+  body->write();
 }
 
 // A body without a closing brace is no rich text at all: the note becomes the whole plain body.

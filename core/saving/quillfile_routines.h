@@ -72,6 +72,7 @@ class QuillfileRoutines final : public SavingEngine {
   Text emailPath(const Ref<Item>& item, TextView extension, TextView savePath);
   bool attachPaperclip(const std::function<Ref<SafeItem>()>& wrapped);
   void noteInHtml(SafeItem& safe, TextView note, bool atBottom);
+  void noteInPlainText(SafeItem& safe, TextView note, bool atBottom);
   void noteInRtf(SafeItem& safe, TextView note);
 
   SavingPorts ports_;

@@ -52,6 +52,27 @@ class Restore(Case):
                         self.assertEqual(new.get_content().replace("</Body>", "</body>"), old.get_content())
                 self.assertNotIn(b"Paperclip", after)
 
+    def test_what_the_header_has_no_room_to_remember_stays_in_the_message(self):
+        """Two megabytes of header are read; 600 parts with headers of 4 KB each need more than that to be remembered."""
+        contents = {f"file {i}.bin": b"content %d" % i for i in range(600)}
+        message = b"From: ada@example.org\nSubject: Many\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
+        message += b"--b\nContent-Type: text/plain\n\nHello\n"
+        for name, content in contents.items():
+            message += b'--b\nContent-Type: application/octet-stream; name="%s"\n' % name.encode()
+            message += b"X-Padding: " + b" ".join([b"x" * 70 + b"\n"] * 58) + b"\n" + content + b"\n"
+        message += b"--b--\n"
+        self.home.add(message)
+        self.home.set(RemoveAttachment=1, AddURL=1)
+        saved = self.home.run("save")
+        self.assertDone(saved, 1)
+        self.assertIn("the message's header has no room to remember more attachments", saved.err)
+        self.assertEqual({name: self.home.saved_files()[name] for name in contents}, contents)
+        kept = {name: content for _, name, content in attached(self.home.message()) if name in contents}
+        self.assertTrue(0 < len(kept) < 400, len(kept))
+        self.assertEqual(kept, {name: contents[name] for name in kept})
+        self.assertDone(self.home.run("restore", "1"))
+        self.assertEqual(self.home.message(), message)
+
     def test_links_at_the_top(self):
         self.home.set(RemoveAttachment=1, AddURL=1, LinkLocation="Top")
         before = self.home.add(mail(files=[("a.txt", b"a"), ("b.txt", b"b")])).read_bytes()

@@ -144,7 +144,7 @@ class Memory(Case):
 
     def test_a_large_body(self):
         """A body is text in memory, two bytes a letter: no command holds more than so many times the body."""
-        most = {"save with removal": 10, "forward": 7, "reply": 7, "restore": 5}
+        most = {"save with removal": 5, "forward": 7, "reply": 7, "restore": 5}
         for kind in ("plain", "html"):
             small, large = (self.body_work(write_body(kind), size) for size in (SMALL, LARGE))
             times = {name: (large[name] - small[name]) * 1024 / (LARGE - SMALL) for name in small}

@@ -50,6 +50,7 @@ Removal MailboxAttachment::remove() {
       return Removal::declined;
     }
     item.touch();
+    item.changes().memory += item.memoryOf(*source_, file.get());
     item.changes().taken.push_back({source_, file});
   }
   sources.erase(std::find(sources.begin(), sources.end(), source_));

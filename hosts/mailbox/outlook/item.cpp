@@ -1,8 +1,10 @@
 #include "hosts/mailbox/outlook/item.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "core/module/procedure.h"
+#include "hosts/mailbox/mime/scan.h"
 #include "hosts/mailbox/outlook/attachments.h"
 #include "hosts/mailbox/outlook/client.h"
 #include "hosts/mailbox/outlook/container.h"
@@ -209,7 +211,22 @@ Text MailboxItem::whyItStays(const AttachmentSource& source, const SavedFile* fi
     return fill(u"the message's text cannot be relied upon: {}", doubt);
   if (const auto doubt = source.doubt(); !doubt.empty())
     return fill(u"the attachment \"{}\" cannot be relied upon: {}", source.displayName(), doubt);
+  constexpr std::size_t spare = 4096;  // for other fields that a rewrite may add
+  const auto header = message()->header().block().size() + changes().memory + memoryOf(source, file);
+  if (header + spare > mime::ScanLimits{}.headerBytes)
+    return u"the message's header has no room to remember more attachments, and restore could not put them "
+           u"back";
   return {};
+}
+
+std::size_t MailboxItem::memoryOf(const AttachmentSource& source, const SavedFile* file) {
+  const auto part = source.part();
+  if (file == nullptr || !part) return 0;
+  const auto& tree = message()->tree();
+  const auto parent = *part == 0 ? std::string{} : boundaryOf(tree, tree[*part].parent);
+  const RemovedPart told{file->asked, parent, std::numeric_limits<std::uint32_t>::max(),
+                         std::string{tree.header(*part).block()}};
+  return fieldOf(told, tree.lineEnd()).size();
 }
 
 void MailboxItem::decline(const Text& reason) {

@@ -113,6 +113,8 @@ class MailboxItem final : public Item, public std::enable_shared_from_this<Mailb
   // Why the attachment must stay in the message, a sentence; empty when it may go. `file` is what it was
   // saved to.
   Text whyItStays(const AttachmentSource& source, const SavedFile* file);
+  // How many bytes of the message's header will tell of the attachment when it is gone, at most.
+  std::size_t memoryOf(const AttachmentSource& source, const SavedFile* file);
   void decline(const Text& reason);
 
   std::weak_ptr<MailClient> client_;

@@ -30,8 +30,9 @@ struct ItemChanges {
   std::vector<AddedAttachment> added;
   std::map<const AttachmentSource*, std::shared_ptr<SavedFile>> saved;  // what each was last saved to
   std::optional<bool> unRead;
-  bool save = false;    // the item was saved: its bodies and attachments are to be written
-  bool remove = false;  // to Deleted Items, or for good
+  std::size_t memory = 0;  // bytes of the header that will tell of those taken, at most
+  bool save = false;       // the item was saved: its bodies and attachments are to be written
+  bool remove = false;     // to Deleted Items, or for good
   bool declineTold = false;
 
   bool touchesParts() const { return !taken.empty() || !added.empty(); }
