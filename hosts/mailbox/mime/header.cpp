@@ -80,10 +80,8 @@ std::string_view trimmed(std::string_view bytes) {
 }
 
 std::string unfolded(std::string_view value) {
-  std::string result;
-  for (const char c : trimmed(value)) {
-    if (c != '\r' && c != '\n') result += c;
-  }
+  std::string result{trimmed(value)};
+  std::erase_if(result, [](char c) { return c == '\r' || c == '\n'; });
   return result;
 }
 

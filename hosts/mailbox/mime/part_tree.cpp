@@ -16,6 +16,7 @@ std::vector<PartIndex> PartTree::children(PartIndex part) const {
 }
 
 ContentType PartTree::type(PartIndex part) const {
+  if (part < types_.size()) return types_[part];
   const auto parent = parts_[part].parent;
   const bool inDigest = parent != noPart && parts_[parent].kind == PartKind::multipart &&
                         contentType(header(parent)).is("multipart/digest");

@@ -41,8 +41,9 @@ struct Part {
 
 class PartTree {
  public:
-  PartTree(std::string_view message, std::vector<Part> parts, Doubt doubt)
-      : message_{message}, parts_{std::move(parts)}, doubt_{doubt} {}
+  // `types`: of the first parts, as many as are worth keeping; those of the others are read when asked for.
+  PartTree(std::string_view message, std::vector<Part> parts, std::vector<ContentType> types, Doubt doubt)
+      : message_{message}, parts_{std::move(parts)}, types_{std::move(types)}, doubt_{doubt} {}
 
   std::string_view message() const { return message_; }
   // In the order in which they begin, so a part comes after its parent and before the parent's next child.
@@ -71,6 +72,7 @@ class PartTree {
  private:
   std::string_view message_;
   std::vector<Part> parts_;
+  std::vector<ContentType> types_;
   Doubt doubt_;
 };
 

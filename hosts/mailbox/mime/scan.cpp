@@ -21,6 +21,11 @@ struct OpenPart {
   std::string boundary;
 };
 
+// The tree keeps the types of so many parts whose headers are no longer: those of nearly every mail, and
+// nothing that a hostile one could make large.
+constexpr std::size_t mostTypes = 64;
+constexpr std::size_t longestOfType = 4 << 10;  // bytes of a header
+
 struct BoundaryLine {
   std::size_t level;  // in the chain of open parts
   bool closes;
@@ -56,7 +61,7 @@ class Scanner {
       at = line->closes ? line->textEnd : parts_.back().body.begin;
     }
     end(0, message_.size());
-    return {message_, std::move(parts_), doubt_};
+    return {message_, std::move(parts_), std::move(types_), doubt_};
   }
 
  private:
@@ -113,10 +118,7 @@ class Scanner {
     const Header header{part.header.of(message_)};
     part.encoding = encodingNamed(header.value("Content-Transfer-Encoding"));
     if (part.doubt == longHeader) return;
-    auto type = contentType(header);
-    const bool inDigest = part.parent != noPart && digests_.size() > part.parent && digests_[part.parent];
-    if (inDigest && !header.field("Content-Type"))
-      type = {.type = "message", .subtype = "rfc822", .parameters = {}};
+    const ContentType& type = typeOf(index, header);
     const bool embedded = type.is("message/rfc822") || type.is("message/global");
     const bool multipart = type.is("multipart/*");
     if (!multipart && (!embedded || isEncoded(part.encoding))) return;
@@ -140,6 +142,17 @@ class Scanner {
     ++waiting_;
     digests_.resize(parts_.size());
     digests_[index] = type.subtype == "digest";
+  }
+
+  // Valid until the next part is classified.
+  const ContentType& typeOf(PartIndex index, const Header& header) {
+    const auto parent = parts_[index].parent;
+    const bool inDigest = parent != noPart && digests_.size() > parent && digests_[parent];
+    type_ = inDigest && !header.field("Content-Type")
+                ? ContentType{.type = "message", .subtype = "rfc822", .parameters = {}}
+                : contentType(header);
+    const bool isKept = types_.size() == index && index < mostTypes && header.block().size() <= longestOfType;
+    return isKept ? types_.emplace_back(std::move(type_)) : type_;
   }
 
   // A boundary line ends everything that is open inside its multipart, and opens the next child or ends the
@@ -261,9 +274,11 @@ class Scanner {
   const Behind& behind_;
   const ScanLimits& limits_;
   std::vector<Part> parts_;
-  std::vector<OpenPart> chain_;  // from the root to the part that is being read
-  std::size_t waiting_ = 0;      // parts in the chain with a boundary
-  std::vector<bool> digests_;    // which parts are multipart/digest
+  std::vector<OpenPart> chain_;     // from the root to the part that is being read
+  std::size_t waiting_ = 0;         // parts in the chain with a boundary
+  std::vector<ContentType> types_;  // of the first parts
+  ContentType type_;                // of one that is not among them
+  std::vector<bool> digests_;       // which parts are multipart/digest
   std::size_t told_ = 0;
   Doubt doubt_;
 };

@@ -56,6 +56,24 @@ TEST(Scan, GivesTheLineEndBeforeABoundaryToTheBoundary) {
   EXPECT_EQ(tree.doubt(), u"");
 }
 
+TEST(Scan, TheTypeOfAPartIsWhatItsHeaderSaysHoweverManyAndHoweverLong) {
+  std::string message = "Content-Type: multipart/mixed; boundary=b\n\n";
+  for (int i = 0; i < 200; ++i) {
+    message += "--b\nContent-Type: image/x" + std::to_string(i) + "; name=\"" + std::to_string(i) + "\"\n";
+    if (i % 50 == 20) message += "X-Long: " + std::string(5000, 'x') + "\n";
+    message += "\nbody\n";
+  }
+  message += "--b--\n";
+  const auto tree = scan(message);
+  ASSERT_EQ(tree.size(), 201u);
+  EXPECT_TRUE(tree.type(0).is("multipart/mixed"));
+  for (PartIndex part = 1; part < tree.size(); ++part) {
+    const auto number = std::to_string(part - 1);
+    EXPECT_TRUE(tree.type(part).is("image/x" + number)) << number;
+    EXPECT_EQ(tree.type(part).parameters.bytes("name"), number);
+  }
+}
+
 TEST(Scan, TakesAnythingForAMessage) {
   EXPECT_EQ(outline(scan("")), "leaf []\n");
   EXPECT_EQ(outline(scan("no header\nat all")), "leaf [no header\nat all]\n");
