@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <compare>
+#include <future>
 #include <numeric>
 #include <optional>
 
@@ -18,11 +19,18 @@
 namespace quillfile::mailbox {
 namespace {
 
-constexpr std::size_t headerStart = 8 << 10;  // most headers fit
+constexpr std::size_t headerStart = 4 << 10;  // many headers fit; one page, which costs least
+constexpr std::size_t worthTwoThreads = 256;  // messages; each thread reads one half of them
 constexpr std::size_t headerMost = 2 << 20;   // the longest header that is looked through for a date
 
-bool isComplete(std::string_view header) {
-  return header.find("\n\n") != std::string_view::npos || header.find("\n\r\n") != std::string_view::npos;
+// The fields at the front of `bytes`, with the line end of the last; none when the empty line behind them is
+// not there.
+std::optional<std::string_view> fieldsOf(std::string_view bytes) {
+  for (auto at = bytes.find('\n'); at != bytes.npos; at = bytes.find('\n', at + 1)) {
+    const auto next = bytes.substr(at + 1, 2);
+    if (next.starts_with('\n') || next == "\r\n") return bytes.substr(0, at + 1);
+  }
+  return std::nullopt;
 }
 
 // What a message is ordered by. All of it stays what it is when the message is rewritten.
@@ -40,15 +48,15 @@ std::optional<std::string_view> headerOf(int folder, const std::string& name, st
   const Descriptor file{openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
   if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   std::size_t have = 0;
-  for (std::size_t wanted = headerStart; wanted <= headerMost; wanted *= 4) {
+  std::optional<std::string_view> fields;
+  for (std::size_t wanted = headerStart; wanted <= headerMost; wanted *= 8) {
     if (buffer.size() < wanted) buffer.resize(wanted);
     const ssize_t got = pread(file.get(), buffer.data() + have, wanted - have, static_cast<off_t>(have));
     if (got > 0) have += static_cast<std::size_t>(got);
-    if (got <= 0 || have < wanted || isComplete({buffer.data(), have})) break;
+    fields = fieldsOf({buffer.data(), have});
+    if (got <= 0 || have < wanted || fields) break;
   }
-  const std::string_view start{buffer.data(), have};
-  const std::size_t end = std::min(start.find("\n\n"), start.find("\n\r\n"));
-  return start.substr(0, end == std::string_view::npos ? end : end + 1);
+  return fields.value_or(std::string_view{buffer.data(), have});
 }
 
 Place placeOf(int folder, const std::string& name, std::string& buffer) {
@@ -88,20 +96,27 @@ std::vector<std::string> itemsInOrder(const MailFolder& folder) {
       Descriptor{open((folder.directory() + "/cur").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)},
       Descriptor{open((folder.directory() + "/new").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}};
   std::vector<Place> places(listing.size());
-  std::string buffer;
-  const auto read = [&](std::size_t index, auto what) {
+  const auto read = [&](std::size_t index, auto what, std::string& buffer) {
     const Entry entry = listing[index];
     return what(folders[entry.isNew ? 1 : 0].get(), std::string{entry.fileName}, buffer);
   };
-  for (std::size_t i = 0; i < listing.size(); ++i) places[i] = read(i, placeOf);
+  const auto readRange = [&](std::size_t begin, std::size_t end) {
+    std::string buffer;
+    for (std::size_t i = begin; i < end; ++i) places[i] = read(i, placeOf, buffer);
+  };
+  const std::size_t half = listing.size() < worthTwoThreads ? 0 : listing.size() / 2;
+  auto front = std::async(half == 0 ? std::launch::deferred : std::launch::async, readRange, 0, half);
+  readRange(half, listing.size());
+  front.get();
   std::vector<std::uint32_t> order(listing.size());
   std::iota(order.begin(), order.end(), 0u);
   const auto before = [&](auto a, auto b) { return places[a] < places[b]; };
   std::stable_sort(order.begin(), order.end(), before);
+  std::string buffer;
   for (auto at = order.begin(); at != order.end();) {
     const auto end = std::find_if(at, order.end(), [&](auto other) { return before(*at, other); });
     if (end - at > 1) {
-      for (auto equal = at; equal != end; ++equal) places[*equal].likeness = read(*equal, likenessOf);
+      for (auto equal = at; equal != end; ++equal) places[*equal].likeness = read(*equal, likenessOf, buffer);
       std::stable_sort(at, end, before);
     }
     at = end;
