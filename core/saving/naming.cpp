@@ -5,7 +5,10 @@ namespace {
 
 Text replacedEach(TextView name, TextView unwanted, TextView replacement) {
   Text result{name};
-  for (const auto& unit : unwanted) result = replaceAll(result, TextView{&unit, 1}, replacement);
+  for (const auto& unit : unwanted) {
+    const TextView one{&unit, 1};
+    if (find(result, one) > 0) result = replaceAll(result, one, replacement);  // most names hold none
+  }
   return result;
 }
 
