@@ -25,9 +25,10 @@ class QuotedLine {
  public:
   QuotedLine(std::string& out, std::string_view lineEnd) : out_{out}, lineEnd_{lineEnd} {}
 
-  void write(std::string_view line) {
+  // `goesOn`: a soft line break ends it.
+  void write(std::string_view line, bool goesOn) {
     for (std::size_t i = 0; i < line.size(); ++i) {
-      const bool last = i + 1 == line.size();
+      const bool last = i + 1 == line.size() && !goesOn;
       const bool innerBlank = (line[i] == ' ' || line[i] == '\t') && !last;
       if (isPlain(line[i]) || innerBlank) {
         add({&line[i], 1}, last);
@@ -37,6 +38,7 @@ class QuotedLine {
         add({coded, sizeof coded}, last);
       }
     }
+    if (goesOn) out_.append("=").append(lineEnd_);
   }
 
  private:
@@ -108,11 +110,11 @@ std::size_t base64Size(std::size_t bytes, std::size_t lineEndSize) {
   return (bytes + 2) / 3 * 4 + (bytes - 1) / base64LineBytes * lineEndSize;
 }
 
-std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd) {
+std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd, bool goesOn) {
   std::string out;
   for (;;) {
     const auto end = text.find_first_of("\r\n");
-    QuotedLine{out, lineEnd}.write(text.substr(0, end));
+    QuotedLine{out, lineEnd}.write(text.substr(0, end), goesOn && end == text.npos);
     if (end == text.npos) return out;
     out += lineEnd;
     text.remove_prefix(end + (text.substr(end, 2) == "\r\n" ? 2 : 1));

@@ -34,7 +34,8 @@ std::string toBase64(std::string_view bytes, std::string_view lineEnd);
 std::size_t base64Size(std::size_t bytes, std::size_t lineEndSize);
 
 // Text bytes as quoted-printable (RFC 2045 6.7): "\r\n", "\n" and "\r" become `lineEnd`. A hyphen at the
-// beginning of a line is encoded, so that no line can be a boundary line.
-std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd);
+// beginning of a line is encoded, so that no line can be a boundary line. `goesOn`: more text follows in the
+// last line, which therefore ends in a soft line break.
+std::string toQuotedPrintable(std::string_view text, std::string_view lineEnd, bool goesOn = false);
 
 }  // namespace quillfile::mime

@@ -141,8 +141,7 @@ void DraftWriter::body(std::string_view type, const std::vector<TextView>& piece
   appendField(fields, "Content-Transfer-Encoding", plain ? "7bit" : "quoted-printable");
   sink_(fields.append(lineEnd));
   inStretches(pieces, [&](const std::string& lines, bool unfinished) {
-    sink_(plain ? lines : mime::toQuotedPrintable(lines, lineEnd));
-    if (unfinished) sink_("=\n");  // a soft line break
+    sink_(plain ? lines : mime::toQuotedPrintable(lines, lineEnd, unfinished));
   });
 }
 

@@ -148,9 +148,10 @@ NotesChange ItemBodies::notesChange(BodyKind kind) const {
 
 void ItemBodies::apply(mime::Edit& edit, std::vector<Splice>& splices) {
   const bool alternative = part(BodyKind::plain) != mime::noPart && !isChanged(BodyKind::plain);
+  const auto shown = format() == u"HTML" ? BodyKind::html : BodyKind::rtf;
   for (const auto kind : {BodyKind::html, BodyKind::rtf, BodyKind::plain}) {
     if (!isChanged(kind)) continue;
-    const bool isFollowed = alternative && kind != BodyKind::plain;
+    const bool isFollowed = alternative && kind == shown && format() != u"TEXT";
     const auto notes = isFollowed ? notesChange(kind) : NotesChange{};
     apply(kind, bodies_.at(kind), edit, splices);
     bodies_.erase(kind);

@@ -58,9 +58,10 @@ ReadingAhead::~ReadingAhead() {
 
 ReadMessage ReadingAhead::take(std::size_t index) {
   std::unique_lock lock{mutex_};
-  if (std::exchange(last_, index) == index) return {};
-  if (index == 0) backwards_ = false;
-  if (index + 1 == count_) backwards_ = true;
+  const std::size_t before = std::exchange(last_, index);
+  if (before == index) return {};
+  if (index == 0 && before != 1) backwards_ = false;
+  if (index + 1 == count_ && before + 1 != index) backwards_ = true;
   std::shared_ptr<Slot> slot;
   while (!slots_.empty() && (!slot || slot->index != index)) {
     slot = std::move(slots_.front());

@@ -14,7 +14,6 @@ namespace quillfile::mailbox {
 namespace {
 
 constexpr std::size_t bufferSize = 256 << 10;
-constexpr std::size_t writtenAsIs = 64 << 10;  // from here on a system call is cheaper than a copy
 
 // One buffer for all: the host writes and compares one file at a time on each thread.
 char* buffer() {
@@ -49,17 +48,21 @@ void writeAll(int file, std::string_view bytes, const std::string& path) {
   }
 }
 
+// However the bytes come, the system is asked for the same writes: whole buffers, and the rest.
 std::int64_t writeContent(int file, const Content& content, const std::string& path) {
   char* const gathered = buffer();
   std::size_t used = 0;
   std::int64_t size = 0;
   content([&](std::string_view bytes) {
     size += static_cast<std::int64_t>(bytes.size());
-    const bool asIs = bytes.size() >= writtenAsIs;
-    if (asIs || bytes.size() > bufferSize - used) writeAll(file, {gathered, std::exchange(used, 0)}, path);
-    if (asIs) return writeAll(file, bytes, path);
-    std::memcpy(gathered + used, bytes.data(), bytes.size());
-    used += bytes.size();
+    while (!bytes.empty()) {
+      const bool asIs = used == 0 && bytes.size() >= bufferSize;
+      const auto part = bytes.substr(0, bufferSize - used);
+      if (!asIs) std::memcpy(gathered + used, part.data(), part.size());
+      used += part.size();
+      if (used == bufferSize) writeAll(file, {asIs ? part.data() : gathered, std::exchange(used, 0)}, path);
+      bytes.remove_prefix(part.size());
+    }
   });
   writeAll(file, {gathered, used}, path);
   return size;

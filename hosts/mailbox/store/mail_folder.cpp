@@ -51,7 +51,10 @@ std::string MailFolder::filePath(const Location& location) const {
 std::optional<Location> MailFolder::find(std::string_view unique) const {
   const auto isThere = [&](const Location& location) {
     struct stat status {};
-    return ::lstat(filePath(location).c_str(), &status) == 0;
+    const std::string path = filePath(location);
+    if (::lstat(path.c_str(), &status) == 0) return true;
+    if (errno != ENOENT) throw fromErrno(errno, "look at the message", path);
+    return false;
   };
   const auto noted = notedLocations_.find(std::string{unique});
   if (noted != notedLocations_.end() && isThere(noted->second)) return noted->second;
@@ -73,8 +76,9 @@ std::optional<Location> MailFolder::find(std::string_view unique) const {
 std::optional<Location> MailFolder::expected(std::string_view unique) const {
   const auto noted = notedLocations_.find(std::string{unique});
   if (noted != notedLocations_.end()) return noted->second;
-  const auto entry = remembered_ ? remembered_->find(unique) : std::nullopt;
-  if (!entry) return find(unique);
+  if (!remembered_) remembered_ = std::make_shared<const Listing>(list());
+  const auto entry = remembered_->find(unique);
+  if (!entry) return std::nullopt;
   return Location{.fileName = std::string{entry->fileName}, .isNew = entry->isNew};
 }
 

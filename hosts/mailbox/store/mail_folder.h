@@ -51,7 +51,7 @@ class MailFolder {
   // folder was last looked at, one reading of the folder otherwise, two to be sure that it is gone. Throws
   // Failure.
   std::optional<Location> find(std::string_view unique) const;
-  // Where it was when last seen, without a look; as find() where it has not been seen.
+  // Where it was when last seen, without a look at it. Throws Failure.
   std::optional<Location> expected(std::string_view unique) const;
   // What a caller has just learned about where a message is (a watch, an own rename) saves find() the
   // reading.

@@ -53,10 +53,11 @@ TEST_F(OutlookResponses, AReplyToAllGoesToEverybodyButTheUser) {
 // The draft is written in stretches. A line may be longer than these, and a letter or a line end may stand
 // where one ends.
 TEST_F(OutlookResponses, ABodyOfAnySizeStandsInADraftAsItIs) {
-  for (const std::size_t before : {65'400, 65'473, 65'474, 65'475, 65'536}) {
+  for (const std::size_t before : {60, 65'400, 65'473, 65'474, 65'475, 65'536}) {
     for (const std::string_view letter : {"x", "\xC3\xA9", "\xF0\x9F\x98\x80"}) {
       std::string text(before, 'a');
       for (int i = 0; i < 100; ++i) text += letter;
+      text += std::string(140'000, 'a');
       text += "\n-- \n" + text + "\nFrom here\n" + std::string(200'000, 'b') + " \nend\n";
       const auto original = deliver(
           "From: ada@example.org\nSubject: Large\nMIME-Version: 1.0\n"
@@ -69,7 +70,7 @@ TEST_F(OutlookResponses, ABodyOfAnySizeStandsInADraftAsItIs) {
       const auto bytes = reply->message()->bytes();
       for (std::size_t at = 0; at < bytes.size();) {
         const auto end = std::min(bytes.find('\n', at), bytes.size());
-        ASSERT_LE(end - at, 78u);
+        ASSERT_LE(end - at, 76u);
         at = end + 1;
       }
     }
