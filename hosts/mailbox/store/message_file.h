@@ -15,8 +15,6 @@ struct stat;
 
 namespace quillfile::mailbox {
 
-class MailFolder;
-
 class MessageFile {
  public:
   // Opens `path`. Null when it is not there (another program moved or deleted it). Throws Failure for all

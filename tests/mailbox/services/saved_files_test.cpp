@@ -72,14 +72,21 @@ TEST_F(SavedFilesTest, AReplacedFileIsThereUntilTheNewOneTakesItsPlace) {
   EXPECT_EQ(readFile(saved + "/a.pdf"), "new");
 }
 
-TEST_F(SavedFilesTest, AFileThatComesAfterItsNameWasCalledFreeIsNotReplaced) {
-  Batch batch{reports};
-  EXPECT_FALSE(batch.files().listed(saved + "/a.pdf"));
-  writeFile(saved + "/a.pdf", "another's");
-  batch.files().save(saved + "/a.pdf", bytes("ours"));
-  batch.commit();
-  EXPECT_EQ(readFile(saved + "/a.pdf"), "another's");
-  EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
+TEST_F(SavedFilesTest, AFileThatComesAfterItsNameWasCalledFreeOrClaimedIsNotReplaced) {
+  for (const bool claims : {false, true}) {
+    Batch batch{reports};
+    if (claims) {
+      EXPECT_TRUE(batch.files().claim(saved + "/a.pdf"));
+    } else {
+      EXPECT_FALSE(batch.files().listed(saved + "/a.pdf"));
+    }
+    writeFile(saved + "/a.pdf", "another's");
+    batch.files().save(saved + "/a.pdf", bytes("ours"));
+    batch.commit();
+    EXPECT_EQ(readFile(saved + "/a.pdf"), "another's");
+    EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
+    for (const char* name : {"/a.pdf", "/a-1.pdf"}) std::filesystem::remove(saved + name);
+  }
 }
 
 TEST_F(SavedFilesTest, AClaimedNameIsSpokenForUntilTheEventIsOver) {
@@ -89,16 +96,6 @@ TEST_F(SavedFilesTest, AClaimedNameIsSpokenForUntilTheEventIsOver) {
   EXPECT_TRUE(batch.files().claim(saved + "/a.pdf"));  // nothing was saved to it yet
   batch.eventEnded();
   EXPECT_EQ(batch.files().firstFreePath(saved, "a", ".pdf"), saved + "/a.pdf");
-}
-
-TEST_F(SavedFilesTest, AFileThatComesAfterItsNameWasClaimedIsNotReplaced) {
-  Batch batch{reports};
-  EXPECT_TRUE(batch.files().claim(saved + "/a.pdf"));
-  writeFile(saved + "/a.pdf", "another's");
-  batch.files().save(saved + "/a.pdf", bytes("ours"));
-  batch.commit();
-  EXPECT_EQ(readFile(saved + "/a.pdf"), "another's");
-  EXPECT_EQ(readFile(saved + "/a-1.pdf"), "ours");
 }
 
 TEST_F(SavedFilesTest, ANameUnderWhichAnythingIsCannotBeClaimed) {
