@@ -56,11 +56,11 @@ void LinkCommands::removePaperclips(const Ref<Item>& item) {
 }
 
 // Takes the notes for a file out of a plain body, in whatever letter case: those that end their line with it,
-// then all others.
+// then all others. A path that is another file's where letter case counts stays, with its own note.
 void LinkCommands::eraseNotes(LinkWalk& walk, TextView fileName) {
   const Text note = link_note::plain(ports_.paths.linkTo(fileName));
-  for (const TextView behind : {lineBreak, TextView{}})
-    walk.eraseAll(note, behind, CompareMode::ignoring_case);
+  const Position exact = ports_.paths.caseCounts ? lengthOf(fileName) + lengthOf(u">") : 0;
+  for (const TextView behind : {lineBreak, TextView{}}) walk.eraseAll(note, behind, exact);
 }
 
 bool LinkCommands::ReplaceLinksWithAttachments(const Ref<Item>& item) {
@@ -155,7 +155,8 @@ bool LinkCommands::JustEraseLinks(const Ref<Item>& item) {
         eraseNotes(body.walk, fileName);
       } else {
         body.read(BodyKind::plain);
-        body.walk.eraseAll(link_note::plain(ports_.paths.linkTo(fileName)), u"", CompareMode::exact);
+        const Text note = link_note::plain(ports_.paths.linkTo(fileName));
+        body.walk.eraseAll(note, u"", lengthOf(note));
         if (version == nextVersion) body.removeLeadingLineBreaks();
       }
       body.walk.write();

@@ -51,15 +51,15 @@ Position LinkWalk::firstPhrase() {
   return clear_ = found > 0 ? found : length() + 1;
 }
 
-void LinkWalk::eraseAll(TextView note, TextView behind, CompareMode compare) {
+void LinkWalk::eraseAll(TextView note, TextView behind, Position exact) {
   if (!notes_) notes_.emplace(links_.letters(), body());
   const auto size = static_cast<Position>(note.size());
+  const auto tail = from(note, size - exact + 1);
   Position gone = 0;
   for (auto place : notes_->places(body(), note)) {
     place.begin -= gone;
-    const bool wanted = (compare != CompareMode::exact || middle(body(), place.begin, size) == note) &&
-                        startsWith(from(body(), place.begin + size), behind);
-    if (!wanted) continue;
+    const auto end = place.begin + size;
+    if (middle(body(), end - exact, exact) != tail || !startsWith(from(body(), end), behind)) continue;
     const auto all = size + static_cast<Position>(behind.size());
     change(place.begin, place.begin + all, u"");
     gone += all;

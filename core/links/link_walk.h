@@ -32,8 +32,9 @@ class LinkWalk {
   void replace(Position begin, Position end, TextView replacement);
   // Takes the note out that EraseString would; where that finds none, the body becomes empty.
   void eraseNote();
-  // Takes the plain note `note`, with `behind` right behind it, out wherever it stands in the body now.
-  void eraseAll(TextView note, TextView behind, CompareMode compare);
+  // Takes the plain note `note`, with `behind` right behind it, out wherever it stands in the body now: in
+  // whatever letter case, but for its last `exact` units.
+  void eraseAll(TextView note, TextView behind, Position exact);
   void write() { body_->write(); }
 
  private:

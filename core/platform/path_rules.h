@@ -14,6 +14,7 @@ struct PathRules {
   TextView root;                // the folder that is always there
   TextView linkPrefix;          // what stands before a path in a link's text
   bool percentInNames = false;  // whether "%20" in a link may also be what a name really holds
+  bool caseCounts = false;      // whether "a.pdf" and "A.pdf" are two files
 
   // The text of the link to `path`, exactly as it stands in a note.
   //   Windows: C:\a b.pdf -> file:///C:\a b.pdf      Linux: /home/u/a b.pdf -> file:///home/u/a b.pdf
@@ -47,7 +48,8 @@ constexpr PathRules PathRules::posix() {
           .drives = false,
           .root = u"/",
           .linkPrefix = u"file://",
-          .percentInNames = true};
+          .percentInNames = true,
+          .caseCounts = true};
 }
 
 }  // namespace quillfile

@@ -157,6 +157,21 @@ TEST_P(LinkCommand, AForwardLosesPlainNotesInAnyLetterCaseAReplyOnlyInTheirOwn) 
   EXPECT_EQ(reply->data.body, shouted + u" ");
 }
 
+TEST_P(LinkCommand, TheNoteOfAFileThatIsAnotherByItsLettersCaseIsFollowedOnItsOwn) {
+  const bool areTwo = world.paths.caseCounts;
+  addFiles({u"A-1.pdf", u"a-1.pdf"});
+  for (const TextView version : {u"16.0", u"10.0"}) {
+    world.application->versionText = version;
+    auto forward = world.addItem(
+        {.subject = u"F",
+         .body = u"Hi\r\n" + text.plainNote(u"a-1.pdf") + u"\r\n" + text.plainNote(u"A-1.pdf")});
+    EXPECT_TRUE(commands.ReplaceLinksWithAttachments(forward));
+    EXPECT_EQ(forward->data.body, u"Hi\r\n");
+    EXPECT_EQ(attachedTo(*forward),
+              areTwo ? (std::vector<Text>{u"a-1.pdf", u"A-1.pdf"}) : (std::vector<Text>{u"a-1.pdf"}));
+  }
+}
+
 TEST_P(LinkCommand, ANoteThatCannotBeErasedIsAttachedOnceAndStandsWhileTheOthersGo) {
   world.application->versionText = u"10.0";
   addFiles({u"a.pdf", u"b.pdf", u"c.pdf"});
