@@ -13,8 +13,6 @@ bool beginsWith(std::string_view name, std::string_view beginning) {
   return equalWords(name.substr(0, beginning.size()), beginning);
 }
 
-bool isLineEnd(char c) { return c == '\r' || c == '\n'; }
-
 // Adds a piece; neighbouring literals become one.
 void append(Pieces& pieces, Piece piece) {
   auto* bytes = std::get_if<std::string>(&piece);
@@ -47,7 +45,7 @@ std::string fieldsOf(const NewPart& part, bool base64, std::string_view lineEnd)
 }  // namespace
 
 Splice::Splice(const Edit& edit)
-    : edit_{edit}, tree_{edit.tree_}, plan_{choosePlan()}, lineEnd_{tree_.lineEnd()} {
+    : edit_{edit}, tree_{edit.tree_}, plan_{choosePlan()}, gone_{runsThatGo()}, lineEnd_{tree_.lineEnd()} {
   for (const auto& [part, text] : edit_.texts_) {
     if (!edit_.removes(part)) texts_.emplace(part, rewrittenTextPart(tree_, part, text));
   }
@@ -55,7 +53,7 @@ Splice::Splice(const Edit& edit)
   if (plan_ == Plan::is_replaced) replaceRoot();
   if (plan_ == Plan::is_wrapped) beginWrap();
   for (const auto& [part, text] : texts_) changeText(part, text);
-  for (const auto part : edit_.removed_) removePart(part);
+  removeParts();
   closeEmptied();
   if (plan_ == Plan::is_extended) appendToMixed();
   if (plan_ == Plan::is_wrapped) endWrap();
@@ -70,6 +68,20 @@ Splice::Plan Splice::choosePlan() const {
   if (edit_.bodies_.empty() && edit_.added_.empty()) return Plan::stays;
   const bool mixed = tree_[0].kind == PartKind::multipart && tree_.type(0).is("multipart/mixed");
   return mixed ? Plan::is_extended : Plan::is_wrapped;
+}
+
+std::vector<Range> Splice::runsThatGo() const {
+  std::vector<Range> runs;
+  for (const auto part : edit_.removed_) {  // ascending, as the parts are
+    if (part == 0 || edit_.removes(tree_[part].parent)) continue;
+    const auto whole = tree_[part].whole();
+    if (!runs.empty() && runs.back().end == whole.begin) {
+      runs.back().end = whole.end;
+    } else {
+      runs.push_back(whole);
+    }
+  }
+  return runs;
 }
 
 void Splice::prependToMixed() {
@@ -155,15 +167,14 @@ void Splice::changeText(PartIndex part, const TextPart& text) {
   changes_.push_back({range.body, std::move(body)});
 }
 
-// What goes takes the line end before its boundary line along; where the boundary line after it has none of
-// its own, that line end has to stay.
-void Splice::removePart(PartIndex part) {
-  const auto whole = tree_[part].whole();
-  if (part == 0 || edit_.removes(tree_[part].parent)) return;
-  const bool takesLineEnd = !tree_[part].opening.empty() && isLineEnd(tree_.message()[whole.begin]);
-  Pieces instead;
-  if (takesLineEnd) append(instead, lineEndFor(whole.end));
-  changes_.push_back({whole, std::move(instead)});
+// What goes takes the line end before its first boundary line along; where the boundary line after it has
+// none of its own, that line end has to stay.
+void Splice::removeParts() {
+  for (const auto& run : gone_) {
+    Pieces instead;
+    if (hasLineEnd(run.begin)) append(instead, lineEndFor(run.end));
+    changes_.push_back({run, std::move(instead)});
+  }
 }
 
 // A multipart that an outer boundary line ended, without a closing line of its own, gets one when its last
@@ -242,18 +253,25 @@ std::string Splice::contentFields() const {
   return fields;
 }
 
-// The line end that has to stand before what follows at `at`, or after the parts that are removed there: none
-// where that has its own, as parts that are added have, or where the message ends.
+// The line end that has to stand before what follows at `at`, or after the run of removed parts there: none
+// where that has its own, as parts that are added have, or where the message ends. A run that begins with a
+// line end sees to it itself.
 std::string Splice::lineEndFor(std::size_t at) const {
-  for (const auto part : edit_.removed_) {  // ascending, as the parts are
-    if (tree_[part].whole().begin == at) at = tree_[part].whole().end;
+  const auto run = std::ranges::upper_bound(gone_, at, {}, &Range::end);
+  if (run != gone_.end() && run->begin <= at) {
+    if (run->begin == at && hasLineEnd(at)) return {};
+    at = run->end;
   }
   const bool addsHere = plan_ == Plan::is_extended && !edit_.added_.empty() && at == tree_[0].closing.begin;
   return addsHere ? std::string{} : lineEndIfMissing(at);
 }
 
+bool Splice::hasLineEnd(std::size_t at) const {
+  return at < tree_.message().size() && (tree_.message()[at] == '\r' || tree_.message()[at] == '\n');
+}
+
 std::string Splice::lineEndIfMissing(std::size_t at) const {
-  return at < tree_.message().size() && !isLineEnd(tree_.message()[at]) ? lineEnd_ : std::string{};
+  return at < tree_.message().size() && !hasLineEnd(at) ? lineEnd_ : std::string{};
 }
 
 // Boundary line, header and body of each; a line end stands before each boundary line and none after the last

@@ -30,6 +30,7 @@ class Splice {
   // the first part of a mixed one, something else takes its place.
   enum class Plan { stays, is_extended, is_wrapped, is_replaced };
   Plan choosePlan() const;
+  std::vector<Range> runsThatGo() const;
 
   void prependToMixed();
   void appendToMixed();
@@ -37,7 +38,7 @@ class Splice {
   void endWrap();
   void replaceRoot();
   void changeText(PartIndex part, const TextPart& text);
-  void removePart(PartIndex part);
+  void removeParts();
   void closeEmptied();
   void changeHeader();
   void setField(const std::string& name, TextView value);
@@ -49,11 +50,13 @@ class Splice {
   std::string boundaryOf(PartIndex multipart) const;
   std::string lineEndFor(std::size_t boundaryLine) const;
   std::string lineEndIfMissing(std::size_t at) const;
+  bool hasLineEnd(std::size_t at) const;
   Pieces newParts(const Bodies& bodies, const std::vector<NewPart>& added, std::string_view boundary) const;
 
   const Edit& edit_;
   const PartTree& tree_;
   const Plan plan_;
+  const std::vector<Range> gone_;  // the removed parts, neighbours as one; ascending
   std::string lineEnd_;
   std::map<PartIndex, TextPart> texts_;
   std::vector<Change> changes_;

@@ -79,6 +79,31 @@ TEST(Edit, KeepsTheLineEndBeforeABoundaryLineThatHasNoneOfItsOwn) {
             "Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n\n--b--\n");
 }
 
+TEST(Edit, KeepsOneLineEndWherePartsInARowGoBeforeABoundaryLineThatHasNone) {
+  const std::string begin = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\n";
+  const std::string original =
+      begin +
+      "text\n--b\n\nx\n--b\nContent-Type: image/png\n--b\n\ny\n--b\nContent-Type: image/png\n\n--b--\n";
+  const auto removeAll = [](Edit& edit) {
+    for (PartIndex part = 2; part <= 5; ++part) edit.remove(part);
+  };
+  EXPECT_EQ(rewritten(original, removeAll), begin + "text\n--b--\n");
+  EXPECT_EQ(rewritten(original,
+                      [&](Edit& edit) {
+                        removeAll(edit);
+                        edit.setText(1, u"new");
+                      }),
+            begin + "new\n--b--\n");
+  EXPECT_EQ(rewritten(original,
+                      [&](Edit& edit) {
+                        edit.remove(1);
+                        removeAll(edit);
+                        edit.addBody(BodyFormat::plain, u"new");
+                      }),
+            "Content-Type: multipart/mixed; boundary=b\n\n\n--b\n"
+            "Content-Type: text/plain; charset=us-ascii\nContent-Transfer-Encoding: 7bit\n\nnew\n--b--\n");
+}
+
 TEST(Edit, ClosesAMultipartThatHadNoClosingLineWhenItsLastPartGoes) {
   const std::string original =
       "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
