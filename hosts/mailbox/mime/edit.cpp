@@ -27,16 +27,15 @@ std::vector<PartIndex> leaves(const PartTree& tree) {
 
 // A header that ends with the message, in the middle of a line, gets a line end when something is put behind
 // it.
-std::string_view withoutLineEnd(std::string_view header) {
-  if (header.ends_with('\n')) header.remove_suffix(1);
-  if (header.ends_with('\r')) header.remove_suffix(1);
-  return header;
+bool sameHeader(std::string_view before, std::string_view after) {
+  if (!after.starts_with(before)) return false;
+  const auto added = after.substr(before.size());
+  return added.empty() || (!before.ends_with('\n') && (added == "\n" || added == "\r\n"));
 }
 
 bool sameLeaf(const PartTree& tree, PartIndex part, const PartTree& other, PartIndex otherPart) {
-  const bool sameHeader = part == 0 || withoutLineEnd(tree.header(part).block()) ==
-                                           withoutLineEnd(other.header(otherPart).block());
-  return sameHeader && tree[part].encoding == other[otherPart].encoding &&
+  return (part == 0 || sameHeader(tree.header(part).block(), other.header(otherPart).block())) &&
+         tree[part].encoding == other[otherPart].encoding &&
          tree[part].body.size() == other[otherPart].body.size();
 }
 

@@ -12,6 +12,8 @@ constexpr Doubt tooDeep = u"its parts are nested too deep";
 constexpr Doubt tooMany = u"it has too many parts";
 constexpr Doubt longHeader = u"one of its headers is too long";
 constexpr Doubt cutOff = u"the message ends before its last boundary line";
+constexpr Doubt sameBoundary =
+    u"one of its multiparts has no end of its own, and the boundary of one around it";
 constexpr Doubt noBoundary = u"it is a multipart without parts";
 constexpr Doubt encodedMultipart = u"it is a multipart with a transfer encoding";
 
@@ -35,6 +37,12 @@ struct BoundaryLine {
 };
 
 bool isEncoded(Encoding encoding) { return encoding != Encoding::identity && encoding != Encoding::unknown; }
+
+// "b--" ends what "b" begins, and may itself be a boundary.
+std::string_view withoutDashes(std::string_view boundary) {
+  while (boundary.ends_with("--")) boundary.remove_suffix(2);
+  return boundary;
+}
 
 // Whether a line can stand in a header: a field (blanks before the colon are obsolete and allowed) or the
 // continuation of one.
@@ -185,6 +193,7 @@ class Scanner {
       part.body.end = at;
       cut = cut || (waits && at == message_.size());
       if (cut && part.doubt.empty()) part.doubt = cutOff;
+      if (waits && part.doubt.empty() && isBoundaryAround(i)) part.doubt = sameBoundary;
       if (part.kind == PartKind::multipart && part.closing.end == 0) {
         part.closing = {at, at};
         if (!hasChildren(chain_[i].part)) becomeLeaf(part);
@@ -192,6 +201,16 @@ class Scanner {
       if (waits) --waiting_;
     }
     chain_.resize(level);
+  }
+
+  // Whether the lines of a multipart around the one at `level` could be its own: without the line that ended
+  // it they would be.
+  bool isBoundaryAround(std::size_t level) const {
+    return std::any_of(chain_.begin(), chain_.begin() + static_cast<std::ptrdiff_t>(level),
+                       [&](const auto& around) {
+                         return !around.boundary.empty() &&
+                                withoutDashes(around.boundary) == withoutDashes(chain_[level].boundary);
+                       });
   }
 
   bool hasChildren(PartIndex part) const {

@@ -281,6 +281,11 @@ TEST(Edit, AddsAPartBehindABodyThatEndsInABareCarriageReturn) {
 }
 
 TEST(Edit, AddsAPartBehindAnEmbeddedHeaderThatEndsWithTheMessage) {
+  EXPECT_EQ(rewritten("Content-Type: message/rfc822\r\n\r\nSubject: in\r",
+                      [](Edit& edit) { edit.addBody(BodyFormat::plain, u"new"); }),
+            "MIME-Version: 1.0\r\nContent-Type: multipart/mixed;\r\n boundary=\"NEW\"\r\n\r\n\r\n--NEW\r\n"
+            "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: 7bit\r\n\r\nnew\r\n"
+            "--NEW\r\nContent-Type: message/rfc822\r\n\r\nSubject: in\r\r\n--NEW--\r\n");
   EXPECT_EQ(rewritten("Content-Type: message/rfc822\n\nSubject: in",
                       [](Edit& edit) { edit.addBody(BodyFormat::plain, u"new"); }),
             "MIME-Version: 1.0\nContent-Type: multipart/mixed;\n boundary=\"NEW\"\n\n\n--NEW\n"

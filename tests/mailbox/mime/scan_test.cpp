@@ -102,6 +102,23 @@ TEST(Scan, DoubtsWhatIsCutOff) {
   EXPECT_EQ(outline(tree), "multipart doubted\n leaf [one]\n leaf [tw] doubted\n");
 }
 
+// Once the part behind it is gone, the next line "--o" would be the unended multipart's.
+TEST(Scan, DoubtsAMultipartWithoutAnEndWhoseBoundaryIsAlsoThatOfOneAroundIt) {
+  const auto message = [](const std::string& outer, const std::string& ending) {
+    return "Content-Type: multipart/mixed; boundary=\"" + outer + "\"\n\n--" + outer +
+           "\nContent-Type: multipart/mixed; boundary=i\n\n--i\n"
+           "Content-Type: multipart/mixed; boundary=o\n\n--o\n\none\n" +
+           ending + "--i\n\ntwo\n--i--\n--" + outer + "--\n";
+  };
+  const auto nested = [](const std::string& doubt) {
+    return "multipart\n multipart\n  multipart" + doubt + "\n   leaf [one]\n  leaf [two]\n";
+  };
+  EXPECT_EQ(outline(scan(message("o", ""))), nested(" doubted"));
+  EXPECT_EQ(outline(scan(message("o--", ""))), nested(" doubted"));
+  EXPECT_EQ(outline(scan(message("x", ""))), nested(""));
+  EXPECT_EQ(outline(scan(message("o", "--o--\n"))), nested(""));
+}
+
 TEST(Scan, EndsAHeaderAtABoundaryLine) {
   const auto tree = scan("Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-ID: <x>\n--o\n--o--\n");
   EXPECT_EQ(outline(tree), "multipart\n leaf []\n leaf []\n");
