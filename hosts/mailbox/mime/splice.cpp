@@ -98,6 +98,8 @@ void Splice::appendToMixed() {
   if (edit_.added_.empty()) return;
   const auto closing = tree_[0].closing;
   auto added = newParts({}, edit_.added_, boundaryOf(0));
+  const bool goesBefore = !gone_.empty() && gone_.back().end == closing.begin;  // and has its guard
+  if (!goesBefore) changes_.push_back({{closing.begin, closing.begin}, guardFor(closing.begin, lineEnd_)});
   append(added, closing.empty() ? lineEnd_ + "--" + boundaryOf(0) + "--" + lineEnd_
                                 : lineEndIfMissing(closing.begin));
   changes_.push_back({{closing.begin, closing.begin}, std::move(added)});
@@ -115,13 +117,11 @@ void Splice::beginWrap() {
   becomeMixed();
 }
 
-// A bare CR at the end of the body gets a line end with a CR of its own, or it would become a part of that.
 void Splice::endWrap() {
   const auto at = tree_[0].body.end;
   auto closing = newParts({}, edit_.added_, edit_.boundary_);
   append(closing, lineEnd_ + "--" + edit_.boundary_ + "--" + lineEnd_);
-  const bool endsBare = lineEnd_ == "\n" && !tree_[0].body.empty() && tree_.message()[at - 1] == '\r';
-  if (endsBare) changes_.push_back({{at, at}, {std::string{"\r"}}});
+  if (!tree_[0].body.empty()) changes_.push_back({{at, at}, guardFor(at, lineEnd_)});
   changes_.push_back({{at, at}, std::move(closing)});
 }
 
@@ -171,8 +171,11 @@ void Splice::changeText(PartIndex part, const TextPart& text) {
 // none of its own, that line end has to stay.
 void Splice::removeParts() {
   for (const auto& run : gone_) {
-    Pieces instead;
-    if (hasLineEnd(run.begin)) append(instead, lineEndFor(run.end));
+    const auto added = hasLineEnd(run.begin) ? lineEndFor(run.end) : std::string{};
+    const auto next =
+        addsPartsAt(run.end) ? lineEnd_ : added + std::string{tree_.message().substr(run.end, 1)};
+    auto instead = guardFor(run.begin, next);
+    append(instead, added);
     changes_.push_back({run, std::move(instead)});
   }
 }
@@ -262,8 +265,19 @@ std::string Splice::lineEndFor(std::size_t at) const {
     if (run->begin == at && hasLineEnd(at)) return {};
     at = run->end;
   }
-  const bool addsHere = plan_ == Plan::is_extended && !edit_.added_.empty() && at == tree_[0].closing.begin;
-  return addsHere ? std::string{} : lineEndIfMissing(at);
+  return addsPartsAt(at) ? std::string{} : lineEndIfMissing(at);
+}
+
+bool Splice::addsPartsAt(std::size_t at) const {
+  return plan_ == Plan::is_extended && !edit_.added_.empty() && at == tree_[0].closing.begin;
+}
+
+// A CR that stands alone before `at` would become a part of a line end that comes to stand behind it, of a
+// "\n": that gets a CR of its own.
+Pieces Splice::guardFor(std::size_t at, std::string_view next) const {
+  Pieces guard;
+  if (at > 0 && tree_.message()[at - 1] == '\r' && next.starts_with('\n')) append(guard, std::string{"\r"});
+  return guard;
 }
 
 bool Splice::hasLineEnd(std::size_t at) const {

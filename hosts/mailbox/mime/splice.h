@@ -51,6 +51,8 @@ class Splice {
   std::string lineEndFor(std::size_t boundaryLine) const;
   std::string lineEndIfMissing(std::size_t at) const;
   bool hasLineEnd(std::size_t at) const;
+  bool addsPartsAt(std::size_t at) const;
+  Pieces guardFor(std::size_t at, std::string_view next) const;
   Pieces newParts(const Bodies& bodies, const std::vector<NewPart>& added, std::string_view boundary) const;
 
   const Edit& edit_;

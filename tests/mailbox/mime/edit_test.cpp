@@ -104,6 +104,27 @@ TEST(Edit, KeepsOneLineEndWherePartsInARowGoBeforeABoundaryLineThatHasNone) {
             "Content-Type: text/plain; charset=us-ascii\nContent-Transfer-Encoding: 7bit\n\nnew\n--b--\n");
 }
 
+TEST(Edit, KeepsABareCarriageReturnOutOfTheLineEndThatComesToStandBehindIt) {
+  const std::string begin = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\n";
+  const std::string original = begin + "text\r\r\n--b\n\nx\n--b\n\ny\r\r\n--b--\n";
+  EXPECT_EQ(rewritten(original, [](Edit& edit) { edit.remove(2); }),
+            begin + "text\r\r\n--b\n\ny\r\r\n--b--\n");
+  const std::string added =
+      "\n--b\nContent-Type: a/b\nContent-Transfer-Encoding: base64\nContent-Disposition: "
+      "attachment\n\nQUJD\r\n--b--\n";
+  const auto add = [](Edit& edit) {
+    edit.add({.name = {}, .type = "a/b", .description = {}, .content = content("ABC")});
+  };
+  EXPECT_EQ(rewritten(original, add), begin + "text\r\r\n--b\n\nx\n--b\n\ny\r\r" + added);
+  EXPECT_EQ(rewritten(original,
+                      [&](Edit& edit) {
+                        edit.remove(2);
+                        edit.remove(3);
+                        add(edit);
+                      }),
+            begin + "text\r\r" + added);
+}
+
 TEST(Edit, ClosesAMultipartThatHadNoClosingLineWhenItsLastPartGoes) {
   const std::string original =
       "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/related; boundary=i\n\n"
