@@ -5,7 +5,10 @@
 //   SHIM_AT=N        the call, from 1, that SHIM_FAULT happens to
 //   SHIM_FAULT=WORD  kill (before it), torn (a write is done by half, then kill), eio, enospc (it fails and does
 //                    nothing), short (a write is done by half and says so), flip (a write writes a wrong byte),
-//                    squat (another program has just taken the name that a rename gives)
+//                    squat (another program has just taken the name that a rename or a link gives)
+//   SHIM_NAMELESS=no the file system has no files without a name (O_TMPFILE)
+//
+// A file without a name goes by what the kernel calls it, "FOLDER/#NUMBER (deleted)".
 //
 // It goes straight to the kernel, so that it works below a sanitizer too. Writes to anything but regular files do not count.
 #define _GNU_SOURCE
@@ -27,12 +30,15 @@ static atomic_int counter;
 static int log_file = -1;
 static int fault_at = -1;
 static const char *fault = "";
+static int nameless = 1;
 
 __attribute__((constructor)) static void start(void) {
   const char *path = getenv("SHIM_LOG"), *at = getenv("SHIM_AT"), *word = getenv("SHIM_FAULT");
   if (path != NULL) log_file = (int)syscall(SYS_openat, AT_FDCWD, path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (at != NULL) fault_at = atoi(at);
   if (word != NULL) fault = word;
+  const char *may = getenv("SHIM_NAMELESS");
+  nameless = may == NULL || strcmp(may, "no") != 0;
 }
 
 static void note(int number, const char *phase, const char *name, const char *one, const char *two, long flags, long result) {
@@ -91,7 +97,20 @@ static int is_regular(int file) {
   return syscall(SYS_fstat, file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
+static int open_nameless(int directory, const char *name, int flags, int mode) {
+  if (!nameless) return errno = EOPNOTSUPP, -1;
+  char path[PATH_MAX];
+  full_path(directory, name, path);
+  const int number = ++counter;
+  const int error = error_for(number);
+  if (error != 0) return errno = error, (int)done(number, "open", path, "", flags, -1);
+  const int file = (int)syscall(SYS_openat, directory, name, flags, mode);
+  if (file >= 0) path_of(file, path);
+  return (int)done(number, "open", path, "", flags, file);
+}
+
 static int open_call(int directory, const char *name, int flags, int mode) {
+  if ((flags & __O_TMPFILE) == __O_TMPFILE) return open_nameless(directory, name, flags, mode);
   if ((flags & (O_CREAT | O_TRUNC)) == 0) return (int)syscall(SYS_openat, directory, name, flags, mode);
   char path[PATH_MAX];
   full_path(directory, name, path);
@@ -100,7 +119,7 @@ static int open_call(int directory, const char *name, int flags, int mode) {
 
 #define MODE(flags)                                      \
   int mode = 0;                                          \
-  if (((flags) & (O_CREAT | __O_TMPFILE)) != 0) {        \
+  if (((flags) & O_CREAT) != 0 || ((flags) & __O_TMPFILE) == __O_TMPFILE) { \
     va_list rest;                                        \
     va_start(rest, flags);                               \
     mode = va_arg(rest, int);                            \
@@ -165,14 +184,17 @@ int fsync(int file) { return flush("fsync", file, SYS_fsync); }
 int fdatasync(int file) { return flush("fsync", file, SYS_fdatasync); }
 int syncfs(int file) { return flush("syncfs", file, SYS_syncfs); }
 
+static void squat(int to, const char *wanted) {
+  if (!chosen(counter + 1, "squat")) return;
+  const int squatter = (int)syscall(SYS_openat, to, wanted, O_WRONLY | O_CREAT | O_EXCL, 0600);
+  if (squatter >= 0) syscall(SYS_write, squatter, "another's", 9), syscall(SYS_close, squatter);
+}
+
 static int rename_call(int from, const char *name, int to, const char *wanted, unsigned flags) {
   char one[PATH_MAX], two[PATH_MAX];
   full_path(from, name, one);
   full_path(to, wanted, two);
-  if (chosen(counter + 1, "squat")) {
-    const int squatter = (int)syscall(SYS_openat, to, wanted, O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (squatter >= 0) syscall(SYS_write, squatter, "another's", 9), syscall(SYS_close, squatter);
-  }
+  squat(to, wanted);
   CALL("rename", one, two, (long)flags, syscall(SYS_renameat2, from, name, to, wanted, flags));
 }
 int rename(const char *name, const char *wanted) { return rename_call(AT_FDCWD, name, AT_FDCWD, wanted, 0); }
@@ -183,8 +205,13 @@ int renameat2(int from, const char *name, int to, const char *wanted, unsigned f
 
 int linkat(int from, const char *name, int to, const char *wanted, int flags) {
   char one[PATH_MAX], two[PATH_MAX];
-  full_path(from, name, one);
+  int file;
+  if (sscanf(name, "/proc/self/fd/%d", &file) == 1)
+    path_of(file, one);
+  else
+    full_path(from, name, one);
   full_path(to, wanted, two);
+  squat(to, wanted);
   CALL("link", one, two, flags, syscall(SYS_linkat, from, name, to, wanted, flags));
 }
 int link(const char *name, const char *wanted) { return linkat(AT_FDCWD, name, AT_FDCWD, wanted, 0); }

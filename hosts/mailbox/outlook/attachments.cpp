@@ -9,10 +9,11 @@
 namespace quillfile::mailbox {
 namespace {
 
-// Where the bytes of the file that answers under `path` are.
+// A file that waits for its name gets it before it is attached.
 std::string bytesAt(Batch& batch, const std::string& path) {
   const auto waiting = batch.files().waiting(path);
-  return waiting && !waiting->temporary.empty() ? waiting->folder->path() + "/" + waiting->temporary : path;
+  if (waiting) batch.commit();
+  return waiting ? waiting->path : path;
 }
 
 }  // namespace

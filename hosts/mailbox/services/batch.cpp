@@ -1,12 +1,15 @@
 // Groups move one step at each flush, and one flush serves all groups: while the files of the newest are
 // flushed, so are the new messages of the one before it and the folders of the one before that. The flush
-// runs on a second thread, which touches nothing but descriptors; everything else happens on the caller's.
+// runs on a second thread, which then also does what reads and writes most: comparing, naming, new messages.
+// What it touches is the groups' own, and nobody else's until it has ended. What needs a decision, tells
+// somebody, or makes a message another one happens on the caller's thread.
 #include "hosts/mailbox/services/batch.h"
 
 #include <sys/resource.h>
 #include <time.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "hosts/mailbox/services/batch_change.h"
@@ -44,13 +47,18 @@ struct Batch::Group {
   int steps = 0;  // made so far
 
   void want(Flush& flush) const;
+  void begin() const;                 // on the caller's thread, before the flush
+  void carryOut(const Flush& flush);  // on the flush's thread
   void step(const Flush& flush, SavedFiles& saved, BatchReports& reports);
   bool done() const { return steps >= 2 && changes.empty(); }
 
  private:
+  void compareAndName(const Flush& flush);
   void nameFiles(const Flush& flush, SavedFiles& saved, BatchReports& reports);
   void reportFiles(const Flush& flush, BatchReports& reports) const;
   void reportChanges(BatchReports& reports);
+
+  std::set<const SavedFile*> wrong_;  // do not hold what they should
 };
 
 void Batch::Group::want(Flush& flush) const {
@@ -68,36 +76,63 @@ void Batch::Group::want(Flush& flush) const {
   }
 }
 
+void Batch::Group::begin() const {
+  if (steps == 0)
+    for (const auto& file : files.files) SavedFiles::beginNaming(*file);
+}
+
+void Batch::Group::carryOut(const Flush& flush) {
+  if (steps == 0) compareAndName(flush);
+  if (steps == 1)
+    for (const auto& change : changes) change->heedMessage(flush), change->checkMessage();
+}
+
+// Every comparison comes before the first name: a file that is not what it should be never gets one. New
+// messages are written here only where no name is left to be decided about.
+void Batch::Group::compareAndName(const Flush& flush) {
+  for (const auto& change : changes)
+    for (const auto& file : change->compareFiles()) wrong_.insert(file.get());
+  bool all = true;
+  for (const auto& file : files.files) {
+    if (file->state != SavedFile::State::waiting) continue;
+    if (flush.error(file->file.get()) == 0 && !wrong_.contains(file.get())) SavedFiles::nameWhereFree(*file);
+    if (file->state == SavedFile::State::committed)
+      file->file.reset();
+    else
+      all = false;
+  }
+  if (!all) return;
+  for (const auto& change : changes) change->writeMessage();
+}
+
 void Batch::Group::step(const Flush& flush, SavedFiles& saved, BatchReports& reports) {
   ++steps;
   if (steps == 1) nameFiles(flush, saved, reports);
   if (steps == 2) reportFiles(flush, reports);
   for (const auto& change : changes) {
     if (steps == 1) change->writeMessage();
-    if (steps == 2) change->heedMessage(flush), change->linkMessage();
+    if (steps == 2) change->linkMessage();
     if (steps == 3) change->heedDirectories(flush), change->unlinkOld();
     if (steps == 4) change->heedDirectories(flush), change->finish();
   }
   reportChanges(reports);
 }
 
-// Every comparison comes before the first name: a file that is not what it should be never gets one.
 void Batch::Group::nameFiles(const Flush& flush, SavedFiles& saved, BatchReports& reports) {
   const auto fail = [&](SavedFile& file, const Text& reason) {
     saved.abandon(file);
     reports.onSaveFailed(file, reason);
   };
   for (const auto& file : files.files) {
+    SavedFiles::endNaming(*file);
     if (file->state != SavedFile::State::waiting) continue;
     if (const int error = flush.error(file->file.get()); error != 0)
       fail(*file, fromErrno(error, "flush", file->path).description);
+    else if (wrong_.contains(file.get()))
+      fail(*file, u"The saved file does not read back as it was written");
   }
-  for (const auto& change : changes)
-    for (const auto& file : change->compareFiles())
-      if (file->state == SavedFile::State::waiting)
-        fail(*file, u"The saved file does not read back as it was written");
   for (const auto& file : files.files) {
-    if (file->state != SavedFile::State::waiting) continue;
+    if (file->state == SavedFile::State::abandoned) continue;
     if (const Text reason = saved.giveName(*file); !reason.empty()) reports.onSaveFailed(*file, reason);
   }
   for (const auto& file : files.files) file->file.reset();
@@ -195,9 +230,11 @@ void Batch::gather() {
 void Batch::startFlush(std::launch when) {
   if (groups_.empty()) return;
   flush_ = std::make_unique<Flush>();
-  for (const auto& group : groups_) group->want(*flush_);
-  flushed_ =
-      std::async(flush_->empty() ? std::launch::deferred : when, [flush = flush_.get()] { flush->run(); });
+  for (const auto& group : groups_) group->want(*flush_), group->begin();
+  flushed_ = std::async(flush_->empty() ? std::launch::deferred : when, [this] {
+    flush_->run();
+    for (const auto& group : groups_) group->carryOut(*flush_);
+  });
 }
 
 void Batch::finishFlush() {

@@ -127,6 +127,7 @@ void BatchChange::requireFiles() const {
 }
 
 void BatchChange::writeMessage() {
+  if (message_) return;
   step([&] {
     requireFiles();
     if (!change_.content) return;
@@ -143,10 +144,9 @@ void BatchChange::writeMessage() {
   rest();
 }
 
-void BatchChange::linkMessage() {
+void BatchChange::checkMessage() {
   step([&] {
-    requireFiles();
-    if (!change_.content) return changeWithoutRewriting();
+    if (!message_) return;
     if (!holdsContent(message_.get(), change_.content, temporary_))
       throw failure("The new message does not read back as it was written");
     if (change_.check) {
@@ -154,6 +154,14 @@ void BatchChange::linkMessage() {
       if (!readBack || !change_.check(*readBack))
         throw failure("The new message is not the old one without what was saved");
     }
+  });
+  rest();
+}
+
+void BatchChange::linkMessage() {
+  step([&] {
+    requireFiles();
+    if (!change_.content) return changeWithoutRewriting();
     if (!change_.source->isAsOpened())
       throw failure("Another program has changed the message's file meanwhile");
     const auto old = change_.folder->find(change_.unique);
@@ -161,7 +169,6 @@ void BatchChange::linkMessage() {
     old_ = *old;
     linkAs(changedFlags(parseMaildirName(old->fileName).flags, change_.setFlags, change_.clearFlags));
   });
-  rest();
 }
 
 void BatchChange::linkAs(std::string_view flags) {

@@ -33,10 +33,11 @@ class BatchChange {
 
   // Before its files are named: reads them back and compares. Gives those that do not hold what they should.
   std::vector<std::shared_ptr<SavedFile>> compareFiles();
-  // Their names stand: writes the new message into tmp/.
+  // Their names stand: writes the new message into tmp/. Does nothing where that is done.
   void writeMessage();
-  // Files and new message are durable: compares the new message and links it into cur/; or makes the change
-  // that needs no new message.
+  // The new message is durable: reads it back and compares.
+  void checkMessage();
+  // Files and new message are durable: links it into cur/; or makes the change that needs no new message.
   void linkMessage();
   // The link is durable: unlinks the old message, following what other programs did to it. A change that
   // needed no new message is finished here.

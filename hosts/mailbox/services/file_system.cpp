@@ -17,7 +17,7 @@ bool regular(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-struct stat statusOf(const SavedFiles& files, const std::string& path, std::string_view what) {
+struct stat statusOf(SavedFiles& files, const std::string& path, std::string_view what) {
   struct stat status {};
   const auto waiting = files.waiting(path);
   const int result = waiting ? ::fstat(waiting->file.get(), &status) : ::stat(path.c_str(), &status);

@@ -15,6 +15,12 @@ struct Place {
 // renameat2 with RENAME_NOREPLACE; link and unlink where the file system has none.
 int renameWithoutReplacing(const Place& from, const Place& to);
 
+// Gives a file that was made without a name (O_TMPFILE) its first one, unless that is taken. 0, or the error:
+// EEXIST when it is taken. linkat by way of /proc/self/fd.
+int linkNameless(int file, const Place& to);
+// Whether that can be done here.
+bool canLinkNameless();
+
 // Flushes a directory's names. Throws Failure.
 void flushDirectory(const std::string& path);
 

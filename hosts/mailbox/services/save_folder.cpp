@@ -14,6 +14,7 @@
 #include <memory>
 
 #include "hosts/mailbox/services/failure.h"
+#include "hosts/mailbox/services/names.h"
 
 namespace quillfile::mailbox {
 namespace {
@@ -66,7 +67,8 @@ bool isTemporaryName(std::string_view name) {
 
 SaveFolder::SaveFolder(std::string path)
     : path_(std::move(path)),
-      directory_(::open(path_.empty() ? "/" : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+      directory_(::open(path_.empty() ? "/" : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+      nameless_(canLinkNameless()) {
   if (!directory_) throw fromErrno(errno, "open the folder", path_);
 }
 
@@ -80,7 +82,7 @@ bool SaveFolder::stillThere() const {
 void SaveFolder::refresh() {
   struct stat status {};
   if (::fstat(descriptor(), &status) != 0) throw fromErrno(errno, "look at the folder", path_);
-  if (listed_ && changeTime(status) == changed_) return;
+  if (listed_ && (naming_ > 0 || changeTime(status) == changed_)) return;
   names_.clear();
   nextNumber_.clear();
   forEachName(descriptor(), path_, [&](const char* name) { names_.insert(name); });
@@ -116,6 +118,22 @@ std::string SaveFolder::takeFreeName(const std::string& base, const std::string&
   take(name);
   nextNumber_.insert_or_assign(key, next + 1);
   return name;
+}
+
+Descriptor SaveFolder::create(std::string& temporary) {
+  temporary.clear();
+  if (nameless_) {
+    Descriptor file{::openat(descriptor(), ".", O_RDWR | O_TMPFILE | O_CLOEXEC, 0666)};
+    if (file) return file;
+    nameless_ = errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL;
+    if (nameless_) throw fromErrno(errno, "create a file in", path_);
+  }
+  temporary = temporaryName();
+  Descriptor file{
+      ::openat(descriptor(), temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666)};
+  if (!file) throw fromErrno(errno, "create a file in", path_);
+  noteOwnChange();
+  return file;
 }
 
 bool SaveFolder::tryLock() {

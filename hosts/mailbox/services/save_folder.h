@@ -45,6 +45,15 @@ class SaveFolder {
   void unlock();
   bool locked() const { return locked_; }
 
+  // A new empty file in the folder, open for reading and writing. It has no name where the file system knows
+  // such files (O_TMPFILE): then nothing is left of it when it goes before it has one. Elsewhere `temporary`
+  // is set to its hidden name. Throws Failure.
+  Descriptor create(std::string& temporary);
+
+  // Between the two, files get their names on a second thread; the listing is not checked meanwhile.
+  void beginNaming() { ++naming_; }
+  void endNaming() { --naming_; }
+
   // An own change does not make the listing stale: call after each, with the name that has appeared, if any.
   // Costs nothing in a folder that was not listed.
   void noteOwnChange(const std::string& appeared = {});
@@ -58,7 +67,9 @@ class SaveFolder {
   Descriptor directory_;
   bool locked_ = false;
   bool listed_ = false;
+  std::size_t naming_ = 0;     // files
   std::int64_t changed_ = -1;  // the folder's change time when listed, nanoseconds
+  bool nameless_;              // whether the file system may have files without names
   std::unordered_set<std::string> names_;
   std::unordered_set<std::string> spokenFor_;
   std::unordered_map<std::string, std::int64_t> nextNumber_;  // by base + "/" + extension

@@ -42,6 +42,24 @@ std::string withoutSeparator(std::string path) {
 
 bool readOnly(const struct stat& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
 
+// Gives the file that name in its folder unless that is taken. 0, or the error.
+int nameIfFree(const SavedFile& file, const std::string& name) {
+  const Place to{file.folder->descriptor(), name};
+  return file.temporary.empty() ? linkNameless(file.file.get(), to)
+                                : renameWithoutReplacing({to.directory, file.temporary}, to);
+}
+
+// Gives it that name whatever has it. 0, or the error.
+int replace(SavedFile& file, const std::string& name) {
+  if (file.temporary.empty()) {  // only what has a name can take another's
+    const auto temporary = temporaryName();
+    if (const int error = nameIfFree(file, temporary); error != 0) return error;
+    file.temporary = temporary;
+  }
+  const int folder = file.folder->descriptor();
+  return ::renameat(folder, file.temporary.c_str(), folder, name.c_str()) == 0 ? 0 : errno;
+}
+
 void checkName(const std::string& name, const std::string& path) {
   if (name.size() > NAME_MAX) throw fromErrno(ENAMETOOLONG, "save", path);
   if (name.empty() || name == "." || name == "..") throw fromErrno(EISDIR, "save", path);
@@ -99,11 +117,7 @@ std::shared_ptr<SavedFile> SavedFiles::save(const std::string& askedPath, const 
   }
   file->path = file->asked = path;
   file->folder = folder;
-  file->temporary = temporaryName();
-  file->file = Descriptor{::openat(folder->descriptor(), file->temporary.c_str(),
-                                   O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666)};
-  if (!file->file) throw fromErrno(errno, "create a file in", folder->path());
-  folder->noteOwnChange();
+  file->file = folder->create(file->temporary);
   folder->take(name);
   waiting_[path] = file;
   gathered_.files.push_back(file);
@@ -139,8 +153,10 @@ bool SavedFiles::claim(const std::string& askedPath) {
   return true;
 }
 
-std::shared_ptr<SavedFile> SavedFiles::waiting(const std::string& path) const {
-  const auto found = waiting_.find(plain(path));
+std::shared_ptr<SavedFile> SavedFiles::waiting(const std::string& askedPath) {
+  const std::string path = plain(askedPath);
+  auto found = waiting_.find(path);
+  if (found != waiting_.end() && found->second->underWay) settle_(), found = waiting_.find(path);
   return found == waiting_.end() ? nullptr : found->second;
 }
 
@@ -204,28 +220,45 @@ void SavedFiles::releaseUnusedNames() {
 void SavedFiles::abandon(SavedFile& file) {
   if (file.state != SavedFile::State::waiting) return;
   file.state = SavedFile::State::abandoned;
-  ::unlinkat(file.folder->descriptor(), file.temporary.c_str(), 0);
-  file.file.reset();  // while it is open, it takes its room on the disk
-  file.folder->noteOwnChange();
+  if (!file.temporary.empty()) {
+    ::unlinkat(file.folder->descriptor(), file.temporary.c_str(), 0);
+    file.folder->noteOwnChange();
+  }
   file.temporary.clear();
+  file.file.reset();  // while it is open, it takes its room on the disk
   file.folder->giveBack(file.name());
   const auto known = waiting_.find(file.path);
   if (known != waiting_.end() && known->second.get() == &file) waiting_.erase(known);
 }
 
+void SavedFiles::beginNaming(SavedFile& file) {
+  file.underWay = true;
+  file.folder->beginNaming();
+}
+
+void SavedFiles::endNaming(SavedFile& file) {
+  file.folder->endNaming();
+  file.underWay = false;
+}
+
+void SavedFiles::nameWhereFree(SavedFile& file) {
+  if (!file.replaces && nameIfFree(file, file.name()) == 0) file.state = SavedFile::State::committed;
+}
+
 Text SavedFiles::giveName(SavedFile& file) {
   SaveFolder& folder = *file.folder;
   const std::string name = file.name();
-  const Place from{folder.descriptor(), file.temporary};
   int error = 0;
   std::string given = name;
-  if (file.replaces) {
-    error = ::renameat(from.directory, from.name.c_str(), folder.descriptor(), name.c_str()) == 0 ? 0 : errno;
+  if (file.state == SavedFile::State::committed) {
+    // by nameWhereFree()
+  } else if (file.replaces) {
+    error = replace(file, name);
     removed_.erase(file.path);
   } else {
     const auto point = name.rfind('.');
     const std::string base = name.substr(0, point), extension = point == name.npos ? "" : name.substr(point);
-    while ((error = renameWithoutReplacing(from, {folder.descriptor(), given})) == EEXIST) {
+    while ((error = nameIfFree(file, given)) == EEXIST) {
       const std::string next = folder.takeFreeName(base, extension);
       if (given != name) folder.release(given);
       given = next;

@@ -1,7 +1,7 @@
-// SavedFiles: files on their way to disk. A saved file is written whole to a hidden temporary file beside its
-// target, and from then on answers under its final path although that name appears only when its batch
-// commits. Names that are spoken for are remembered here, so that "the first free number" never costs a probe
-// for each number.
+// SavedFiles: files on their way to disk. A saved file is written whole to a file without a name, or with a
+// hidden temporary one, in the folder of its target, and from then on answers under its final path although
+// that name appears only when its batch commits. Names that are spoken for are remembered here, so that "the
+// first free number" never costs a probe for each number.
 #pragma once
 
 #include <cstdint>
@@ -38,9 +38,10 @@ struct SavedFile {
 
   // The batch's own.
   std::shared_ptr<SaveFolder> folder;
-  std::string temporary;  // name within the folder; empty once it has its final name or is gone
+  std::string temporary;  // name within the folder; empty while it has none, and once it has its final one
   Descriptor file;        // open until its batch has looked at it for the last time
   bool replaces = false;  // it may take the place of a file that is there: the user or a setting said so
+  bool underWay = false;  // a second thread is naming it: everyone else leaves it alone
 
   std::string name() const { return path.substr(path.rfind('/') + 1); }
 };
@@ -56,13 +57,14 @@ struct GatheredFiles {
 
 class SavedFiles {
  public:
-  // `settle` commits and releases everything that is waiting; called when another process is using a folder.
+  // `settle` commits and releases everything that is waiting; called when another process is using a folder,
+  // or when a file is wanted that is being named.
   explicit SavedFiles(std::function<void()> settle) : settle_(std::move(settle)) {}
 
-  // Writes `content` to a temporary file beside `path` and gives the file that now answers under `path`. A
-  // file that already is at `path` is replaced at commit, unless firstFreePath(), claim() or listed() called
-  // the name free: then it is another program's, come meanwhile. A read-only one is not: Failure. A waiting
-  // file of the same path is abandoned. Throws Failure, and then nothing is left.
+  // Writes `content` to a new file in the folder of `path` and gives the file that now answers under `path`.
+  // A file that already is at `path` is replaced at commit, unless firstFreePath(), claim() or listed()
+  // called the name free: then it is another program's, come meanwhile. A read-only one is not: Failure. A
+  // waiting file of the same path is abandoned. Throws Failure, and then nothing is left.
   std::shared_ptr<SavedFile> save(const std::string& path, const Content& content);
 
   // What FileSystem::firstFreePath answers; the name is spoken for from here on. Whatever is on disk under a
@@ -74,8 +76,9 @@ class SavedFiles {
   // it: waiting, on disk or about to be removed. Throws Failure when its folder cannot be used.
   bool claim(const std::string& path);
 
-  // The waiting file that answers under `path`; null when there is none.
-  std::shared_ptr<SavedFile> waiting(const std::string& path) const;
+  // The waiting file that answers under `path`; null when there is none. One that is being named is settled
+  // first, and then waits no longer.
+  std::shared_ptr<SavedFile> waiting(const std::string& path);
   // True when `path` names a file, waiting or on disk, that is no directory.
   bool listed(const std::string& path);
   // Deletes the file at `path`. One that is on disk stops answering at once, and goes at commit: when another
@@ -95,8 +98,13 @@ class SavedFiles {
   std::size_t fileCount() const { return gathered_.files.size(); }
   std::int64_t bytes() const { return bytes_; }
   bool empty() const { return gathered_.empty(); }
-  // Gives a waiting file its final name, or the next free one when another program took that. Empty, or why
-  // it has none; then nothing is left of it.
+  // From the first call until the second, a second thread may call nameWhereFree() for the file.
+  static void beginNaming(SavedFile& file);
+  static void endNaming(SavedFile& file);
+  // Gives the file its final name where that is free and nothing is to be replaced: it is committed then.
+  static void nameWhereFree(SavedFile& file);
+  // The file has its final name, or gets it here: the next free one when another program took that. Empty, or
+  // why it has none; then nothing is left of it.
   Text giveName(SavedFile& file);
   // Takes away what is waiting under that path.
   void abandon(SavedFile& file);

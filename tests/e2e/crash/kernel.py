@@ -30,7 +30,7 @@ def changing_calls(command: list, environment: dict, folder: Path) -> Counter | 
         if not found or found[1] not in NAMES:
             continue
         name, arguments = NAMES[found[1]], found[2]
-        if name == "open" and not re.search(r"O_CREAT|O_TRUNC", arguments):
+        if name == "open" and not re.search(r"O_CREAT|O_TRUNC|O_TMPFILE", arguments):
             continue
         if name == "write" and not re.match(r"\d+</(?!dev/(?!shm/)|proc/)", arguments):
             continue  # to a terminal, a pipe or a socket

@@ -44,7 +44,8 @@ class Disk:
 
 def visible(path: str) -> bool:
     parts = path.split("/")
-    return not parts[-1].startswith(".") and "tmp" not in parts[-2:-1]
+    nameless = parts[-1].startswith("#")
+    return not nameless and not parts[-1].startswith(".") and "tmp" not in parts[-2:-1]
 
 
 def violations(calls, mailbox, holds_at_end, holds_at_start) -> list[str]:

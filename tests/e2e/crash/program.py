@@ -19,8 +19,10 @@ class Call:
 
 
 class Program:
-    def __init__(self, program: Path, shim: Path, mailbox, *arguments: str):
+    def __init__(self, program: Path, shim: Path, mailbox, *arguments: str, nameless: bool = True):
+        """`nameless`: whether the file system has files without a name."""
         self.program, self.shim, self.mailbox, self.arguments = program, shim, mailbox, arguments or ("save",)
+        self.nameless = "yes" if nameless else "no"
         self.log = shim.parent / "calls.log"
 
     def command(self):
@@ -36,7 +38,7 @@ class Program:
     def run(self, at: int = 0, fault: str = "", program: Path | None = None):
         """Exit status (negative: the signal) and standard error."""
         self.log.unlink(missing_ok=True)
-        environment = self.environment() | {"LD_PRELOAD": str(self.shim), "SHIM_LOG": str(self.log)}
+        environment = self.environment() | {"LD_PRELOAD": str(self.shim), "SHIM_LOG": str(self.log), "SHIM_NAMELESS": self.nameless}
         if fault:
             environment |= {"SHIM_AT": str(at), "SHIM_FAULT": fault}
         command = self.command()

@@ -32,6 +32,13 @@ SEEDS = [
     Seed("an ignored short write", SERVICES + "file_content.cpp", [
         ("bytes.remove_prefix(static_cast<std::size_t>(count));", "bytes = {};"),
     ]),
+    Seed("a link that replaces", SERVICES + "names.cpp", [
+        ("to.directory, to.name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;",
+         "to.directory, \".x\", AT_SYMLINK_FOLLOW) == 0 && "
+         "::renameat(to.directory, \".x\", to.directory, to.name.c_str()) == 0 ? 0 : errno;"),
+    ]),
+]
+NAMED_SEEDS = [  # where no file is without a name
     Seed("a replacing rename", SERVICES + "names.cpp", [
         ("to.name.c_str(), RENAME_NOREPLACE) == 0", "to.name.c_str(), 0) == 0"),
     ]),

@@ -4,8 +4,9 @@ from pathlib import Path
 
 from crash import power_cut
 
-# Which calls each fault is tried at. "torn", "short" and "flip" are faults of writes, "squat" of renames.
-FAULTS = {"kill": None, "eio": None, "enospc": None, "torn": "write", "short": "write", "flip": "write", "squat": "rename"}
+# Which calls each fault is tried at. "torn", "short" and "flip" are faults of writes, "squat" of names that are given.
+ANY, WRITES, NAMES = None, ("write",), ("rename", "link")
+FAULTS = {"kill": ANY, "eio": ANY, "enospc": ANY, "torn": WRITES, "short": WRITES, "flip": WRITES, "squat": NAMES}
 
 
 def reference(program, mailbox, executable=None):
@@ -42,10 +43,12 @@ def try_fault(program, mailbox, call, fault, executable=None) -> list[str]:
 def sweep(program, mailbox, calls, executable=None, stop_at_first=False):
     """Every call, every fault that fits it."""
     tried, wrong = Counter(), []
-    for fault, name in FAULTS.items():
+    for fault, names in FAULTS.items():
         for call in calls:
-            if call.phase == "begin" or (name and call.name != name):
+            if call.phase == "begin" or (names and call.name not in names):
                 continue
+            if fault == "squat" and call.name == "link" and not call.second.startswith(str(mailbox.saved)):
+                continue  # another message has no such name
             if fault == "flip" and call.path.startswith(str(mailbox.settings)):
                 continue  # the settings are not read back: no attachment depends on them
             tried[fault] += 1

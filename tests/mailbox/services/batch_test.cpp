@@ -26,6 +26,26 @@ TEST_F(BatchTest, WhatIsNotCommittedIsGivenUp) {
   EXPECT_EQ(messages(), std::set<std::string>{"100.a.host:2,FS"});
 }
 
+TEST_F(BatchTest, AFileIsSavedAgainWhileTheOneBeforeIsBeingNamed) {
+  Batch batch{reports, {.files = 1}};
+  for (const auto* content : {"one", "two", "three"}) {
+    batch.files().save(saved + "/a.pdf", bytes(content));
+    batch.eventEnded();
+  }
+  batch.commit();
+  EXPECT_EQ(readFile(saved + "/a.pdf"), "three");
+  EXPECT_EQ(namesIn(saved), std::set<std::string>{"a.pdf"});
+  EXPECT_EQ(reports.lines, (Lines{"saved a.pdf", "saved a.pdf", "saved a.pdf"}));
+}
+
+TEST_F(BatchTest, AFileThatWaitsForItsNameIsNowhereInItsFolder) {
+  if (!Descriptor{::open(saved.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0600)})
+    GTEST_SKIP() << "the file system has no files without a name";
+  Batch batch{reports};
+  batch.files().save(saved + "/a.pdf", bytes("abc"));
+  EXPECT_EQ(namesIn(saved), std::set<std::string>{});
+}
+
 TEST_F(BatchTest, ARewrittenMessageIsANewFileWithTheOldFlagsAndTime) {
   const timespec times[2] = {{.tv_sec = 1'000'000, .tv_nsec = 0}, {.tv_sec = 1'000'000, .tv_nsec = 5}};
   ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "Mail/cur/100.a.host:2,FS").c_str(), times, 0), 0);
