@@ -27,6 +27,16 @@ bool sameBut(TextView ends, TextView a, TextView b) {
   }
 }
 
+// Notes are looked for in the text that rich text shows: one that was written where it shows nothing (a
+// destination that readers pass over, left open) would never be found again.
+void requireNewNotesShown(const TextChange& rtf) {
+  const auto notes = [](TextView text) { return linksInPlainText(text).size(); };
+  const auto before = notes(rtf.original()), after = notes(rtf.current());
+  if (after > before && notes(rtfToText(rtf.current())) < notes(rtfToText(rtf.original())) + (after - before))
+    throw failure(
+        "Could not write a link into the message's text: the rich text shows nothing in that place");
+}
+
 // Takes the notes out of the original anew, with what came with them, where nothing else was changed.
 template <class Hunks>
 void takeOut(TextChange& change, TextView ends, Hunks&& hunksOf) {
@@ -175,6 +185,7 @@ void ItemBodies::apply(BodyKind kind, const Body& body, mime::Edit& edit,
     auto rtf = rtfDocument({});
     const auto hunks = rtfHunks(rtf, body.change.hunks());
     written.emplace(std::move(rtf), hunks);
+    requireNewNotesShown(*written);
   }
   const TextChange& change = written ? *written : body.change;
   if (auto changes = bodySplices(message_->tree(), at, change)) {

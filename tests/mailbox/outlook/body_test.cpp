@@ -169,6 +169,20 @@ TEST_F(OutlookRichText, NotesWithLettersOfAnyKindAreFoundAndErasedToTheVeryText)
   EXPECT_NE(bytesOf(item).find("\n\n" + body + "\n--b"), std::string::npos) << bytesOf(item);
 }
 
+// Its last brace ends no document: what stands before it is in a destination that readers pass over.
+TEST_F(OutlookRichText, ANoteThatWouldStandWhereNothingIsShownIsRefusedAndTheMessageStays) {
+  const auto message =
+      messageOf({"a", "text/rtf", "us-ascii", "7bit", "{\\rtf1\\ansi lo}{\\*\\x {\\b hidden}"});
+  const auto item = deliver(message);
+  ASSERT_EQ(item->bodyFormat(), u"RTF");
+  const auto before = bytesOf(item);
+  ASSERT_EQ(strip(item, 3), Removal::removed);
+  finish();
+  ASSERT_EQ(told.failed.size(), 1u);
+  EXPECT_NE(told.failed[0].find("shows nothing in that place"), std::string::npos) << told.failed[0];
+  EXPECT_EQ(bytesOf(item), before);
+}
+
 // A document that is to show `text`.
 Text rtfChanged(TextView rtf, TextView text) {
   TextChange change{rtfUnescaped(rtf)};
