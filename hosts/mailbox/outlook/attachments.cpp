@@ -7,17 +7,6 @@
 #include "hosts/mailbox/services/failure.h"
 
 namespace quillfile::mailbox {
-namespace {
-
-// A file that waits for its name gets it before it is attached.
-std::string bytesAt(Batch& batch, const std::string& path) {
-  const auto waiting = batch.files().waiting(path);
-  if (waiting) batch.commit();
-  return waiting ? waiting->path : path;
-}
-
-}  // namespace
-
 void MailboxAttachment::saveAsFile(TextView path) {
   const auto client = item_->client();
   auto& changes = item_->changes();
@@ -73,7 +62,7 @@ void MailboxAttachments::add(const NewAttachment& attachment) {
   auto& sources = item.ownSources();
   const auto path = toUtf8(attachment.source);
   AddedAttachment added{
-      fileSource(attachment.source, bytesAt(client->setup().batch, path), attachment.displayName), {}};
+      fileSource(attachment.source, client->setup().batch.files().onDisk(path), attachment.displayName), {}};
   item.touch();
   const auto known = item.opened().awaited.lower_bound({path, 0});
   if (known != item.opened().awaited.end() && known->first == path) {

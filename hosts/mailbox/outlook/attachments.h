@@ -32,7 +32,6 @@ class MailboxAttachment final : public Attachment {
  private:
   std::shared_ptr<MailboxItem> item_;
   std::shared_ptr<const AttachmentSource> source_;
-  std::shared_ptr<SavedFile> saved_;  // by the last saveAsFile
 };
 
 class MailboxAttachments final : public Attachments {

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <set>
+#include <system_error>
 #include <utility>
 
 #include "hosts/mailbox/services/batch_change.h"
@@ -168,7 +169,12 @@ void Batch::Group::reportChanges(BatchReports& reports) {
 }
 
 Batch::Batch(BatchReports& reports, BatchLimits limits)
-    : reports_(reports), limits_(fitting(limits)), files_([this] { commit(); }) {}
+    : reports_(reports),
+      limits_(fitting(limits)),
+      files_([this] { commit(); },
+             [this] {
+               if (flushed_.valid()) flushed_.wait();
+             }) {}
 
 Batch::~Batch() {
   if (flushed_.valid()) flushed_.wait();
@@ -231,10 +237,15 @@ void Batch::startFlush(std::launch when) {
   if (groups_.empty()) return;
   flush_ = std::make_unique<Flush>();
   for (const auto& group : groups_) group->want(*flush_), group->begin();
-  flushed_ = std::async(flush_->empty() ? std::launch::deferred : when, [this] {
+  const auto work = [this] {
     flush_->run();
     for (const auto& group : groups_) group->carryOut(*flush_);
-  });
+  };
+  try {
+    flushed_ = std::async(flush_->empty() ? std::launch::deferred : when, work);
+  } catch (const std::system_error&) {  // no second thread can be had
+    flushed_ = std::async(std::launch::deferred, work);
+  }
 }
 
 void Batch::finishFlush() {

@@ -2,9 +2,9 @@
 // flushing.
 //
 // What is gathered here is on disk, in this order and never another, when commit() returns:
-//   saved files complete in temporary files -> flush -> those whose attachment is to go are read back and
-//   compared
-//   -> renamed, replacing nothing -> new messages in tmp/ -> flush (folders, their new parents, tmp/) -> the
+//   saved files complete, without a name or with a hidden one -> flush -> those whose attachment is to go are
+//   read back and compared
+//   -> named, replacing nothing -> new messages in tmp/ -> flush (folders, their new parents, tmp/) -> the
 //   new messages are read back and compared -> linked into cur/ -> flush -> old messages unlinked -> flush
 // Many messages share each flush. A message whose files or whose own new bytes are in any doubt stays
 // untouched, and is reported; the others go on. Stopping anywhere in between loses nothing.
@@ -95,7 +95,7 @@ struct BatchLimits {
 class Batch {
  public:
   explicit Batch(BatchReports& reports, BatchLimits limits = {});
-  ~Batch();  // what was not committed is given up: temporary files are deleted, messages stay as they were
+  ~Batch();  // what was not committed is given up: files without their name go, messages stay as they were
   Batch(const Batch&) = delete;
   Batch& operator=(const Batch&) = delete;
 

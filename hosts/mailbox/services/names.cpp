@@ -1,9 +1,13 @@
 #include "hosts/mailbox/services/names.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <stdio.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 #include "hosts/mailbox/services/descriptor.h"
@@ -30,9 +34,12 @@ int linkNameless(int file, const Place& to) {
   return ::linkat(AT_FDCWD, from.c_str(), to.directory, to.name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
 }
 
-bool canLinkNameless() {
-  static const bool can = ::access(openFiles, F_OK) == 0;
-  return can;
+bool keepsNameless(int folder) {
+  static const bool canLink = ::access(openFiles, F_OK) == 0;
+  struct statfs system {};
+  if (!canLink || ::fstatfs(folder, &system) != 0) return false;
+  constexpr std::array known{EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, TMPFS_MAGIC};
+  return std::find(known.begin(), known.end(), system.f_type) != known.end();
 }
 
 void flushDirectory(const std::string& path) {

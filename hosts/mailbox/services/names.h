@@ -18,8 +18,10 @@ int renameWithoutReplacing(const Place& from, const Place& to);
 // Gives a file that was made without a name (O_TMPFILE) its first one, unless that is taken. 0, or the error:
 // EEXIST when it is taken. linkat by way of /proc/self/fd.
 int linkNameless(int file, const Place& to);
-// Whether that can be done here.
-bool canLinkNameless();
+// Whether that can be done in the file system of an open folder, and a flush of such a file keeps its bytes
+// when it is linked afterwards: so on ext2 to ext4, XFS and in memory. btrfs up to Linux 6.12 flushes nothing
+// of a file without a name, and says that it did; what an overlay lies on is not to be seen.
+bool keepsNameless(int folder);
 
 // Flushes a directory's names. Throws Failure.
 void flushDirectory(const std::string& path);

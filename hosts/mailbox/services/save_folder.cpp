@@ -68,7 +68,7 @@ bool isTemporaryName(std::string_view name) {
 SaveFolder::SaveFolder(std::string path)
     : path_(std::move(path)),
       directory_(::open(path_.empty() ? "/" : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-      nameless_(canLinkNameless()) {
+      nameless_(directory_ && keepsNameless(directory_.get())) {
   if (!directory_) throw fromErrno(errno, "open the folder", path_);
 }
 

@@ -45,9 +45,9 @@ class SaveFolder {
   void unlock();
   bool locked() const { return locked_; }
 
-  // A new empty file in the folder, open for reading and writing. It has no name where the file system knows
-  // such files (O_TMPFILE): then nothing is left of it when it goes before it has one. Elsewhere `temporary`
-  // is set to its hidden name. Throws Failure.
+  // A new empty file in the folder, open for reading and writing. It has no name where the file system has
+  // such files and keeps them (O_TMPFILE, keepsNameless): then nothing is left of it when it goes before it
+  // has one. Elsewhere `temporary` is set to its hidden name. Throws Failure.
   Descriptor create(std::string& temporary);
 
   // Between the two, files get their names on a second thread; the listing is not checked meanwhile.

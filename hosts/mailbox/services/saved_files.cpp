@@ -109,9 +109,8 @@ std::shared_ptr<SavedFile> SavedFiles::save(const std::string& askedPath, const 
   auto folder = folderOf(folderPart(path));
   lock(*folder);
   auto file = std::make_shared<SavedFile>();
-  if (const auto earlier = waiting(path)) {
-    file->replaces = earlier->replaces;
-    abandon(*earlier);
+  if (const auto earlier = awaited(path)) {
+    file->replaces = giveUp(*earlier) || earlier->replaces;
   } else {
     file->replaces = mayReplace(*folder, path, name);
   }
@@ -153,6 +152,34 @@ bool SavedFiles::claim(const std::string& askedPath) {
   return true;
 }
 
+std::shared_ptr<SavedFile> SavedFiles::awaited(const std::string& path) {
+  const auto found = waiting_.find(path);
+  if (found == waiting_.end()) return nullptr;
+  if (found->second->underWay) await_();
+  return found->second;
+}
+
+// Abandons the file. True when it has its name already: then it stays under it until it is replaced or
+// removed, and the message that it came from is left as it is all the same.
+bool SavedFiles::giveUp(SavedFile& file) {
+  const bool named = file.state == SavedFile::State::committed;
+  if (!named) return abandon(file), false;
+  file.state = SavedFile::State::abandoned;
+  file.temporary.clear();
+  file.folder->noteOwnChange(file.name());
+  file.folder->release(file.name());
+  waiting_.erase(file.path);
+  return true;
+}
+
+std::string SavedFiles::onDisk(const std::string& askedPath) {
+  const auto found = waiting_.find(plain(askedPath));
+  if (found == waiting_.end()) return askedPath;
+  const auto file = found->second;
+  settle_();
+  return file->path;
+}
+
 std::shared_ptr<SavedFile> SavedFiles::waiting(const std::string& askedPath) {
   const std::string path = plain(askedPath);
   auto found = waiting_.find(path);
@@ -173,10 +200,7 @@ bool SavedFiles::listed(const std::string& askedPath) {
 
 void SavedFiles::remove(const std::string& askedPath) {
   const std::string path = plain(askedPath);
-  if (const auto file = waiting(path)) {
-    abandon(*file);
-    return;
-  }
+  if (const auto file = awaited(path); file && !giveUp(*file)) return;
   struct stat status {};
   if (removed_.contains(path)) throw fromErrno(ENOENT, "delete", path);
   if (::lstat(path.c_str(), &status) != 0) throw fromErrno(errno, "delete", path);

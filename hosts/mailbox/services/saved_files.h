@@ -25,7 +25,7 @@ namespace quillfile::mailbox {
 // One saved file. Shared between the batch and whoever saved it.
 struct SavedFile {
   enum class State {
-    waiting,    // complete in its temporary file
+    waiting,    // complete, but not under `path` yet
     committed,  // complete under `path`
     abandoned,  // nothing is left of it: replaced or deleted within the batch, or its commit failed
   };
@@ -58,8 +58,9 @@ struct GatheredFiles {
 class SavedFiles {
  public:
   // `settle` commits and releases everything that is waiting; called when another process is using a folder,
-  // or when a file is wanted that is being named.
-  explicit SavedFiles(std::function<void()> settle) : settle_(std::move(settle)) {}
+  // or when a file is asked about that is being named. `await` only waits until nothing is being named.
+  SavedFiles(std::function<void()> settle, std::function<void()> await)
+      : settle_(std::move(settle)), await_(std::move(await)) {}
 
   // Writes `content` to a new file in the folder of `path` and gives the file that now answers under `path`.
   // A file that already is at `path` is replaced at commit, unless firstFreePath(), claim() or listed()
@@ -79,6 +80,9 @@ class SavedFiles {
   // The waiting file that answers under `path`; null when there is none. One that is being named is settled
   // first, and then waits no longer.
   std::shared_ptr<SavedFile> waiting(const std::string& path);
+  // Where the bytes of what answers under `path` are on disk: a waiting file gets its name first, which may
+  // be another.
+  std::string onDisk(const std::string& path);
   // True when `path` names a file, waiting or on disk, that is no directory.
   bool listed(const std::string& path);
   // Deletes the file at `path`. One that is on disk stops answering at once, and goes at commit: when another
@@ -118,7 +122,12 @@ class SavedFiles {
   void lock(SaveFolder& folder);
   bool mayReplace(SaveFolder& folder, const std::string& path, const std::string& name);
 
-  std::function<void()> settle_;
+  // The waiting file that answers under `path`, once no other thread is at work on it; null when there is
+  // none.
+  std::shared_ptr<SavedFile> awaited(const std::string& path);
+  bool giveUp(SavedFile& file);
+
+  std::function<void()> settle_, await_;
   std::map<std::string, std::shared_ptr<SaveFolder>, std::less<>> folders_;
   std::unordered_map<std::string, std::shared_ptr<SavedFile>> waiting_;  // by path
   std::unordered_set<std::string> removed_;  // paths on disk, but gone for the caller

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "hosts/mailbox/services/names.h"
+
 namespace quillfile::mailbox {
 namespace {
 
@@ -26,20 +28,46 @@ TEST_F(BatchTest, WhatIsNotCommittedIsGivenUp) {
   EXPECT_EQ(messages(), std::set<std::string>{"100.a.host:2,FS"});
 }
 
-TEST_F(BatchTest, AFileIsSavedAgainWhileTheOneBeforeIsBeingNamed) {
+TEST_F(BatchTest, AFileThatIsReplacedWhileItIsBeingNamedLeavesItsMessageAsItIs) {
   Batch batch{reports, {.files = 1}};
-  for (const auto* content : {"one", "two", "three"}) {
+  batch.change(rewriting(batch.files().save(saved + "/a.pdf", bytes("abc")), "abc"));
+  batch.eventEnded();
+  for (const auto* content : {"two", "three"}) {
     batch.files().save(saved + "/a.pdf", bytes(content));
     batch.eventEnded();
   }
   batch.commit();
   EXPECT_EQ(readFile(saved + "/a.pdf"), "three");
   EXPECT_EQ(namesIn(saved), std::set<std::string>{"a.pdf"});
-  EXPECT_EQ(reports.lines, (Lines{"saved a.pdf", "saved a.pdf", "saved a.pdf"}));
+  EXPECT_EQ(messages(), std::set<std::string>{"100.a.host:2,FS"});
+  EXPECT_EQ(namesIn(folder / "Mail/tmp"), std::set<std::string>{});
+  EXPECT_EQ(reports.lines, (Lines{"untouched 100.a.host", "saved a.pdf"}));
+}
+
+TEST_F(BatchTest, AFileThatIsDeletedWhileItIsBeingNamedLeavesItsMessageAsItIs) {
+  Batch batch{reports, {.files = 1}};
+  batch.change(rewriting(batch.files().save(saved + "/a.pdf", bytes("abc")), "abc"));
+  batch.eventEnded();
+  batch.files().remove(saved + "/a.pdf");
+  EXPECT_FALSE(batch.files().listed(saved + "/a.pdf"));
+  batch.commit();
+  EXPECT_EQ(namesIn(saved), std::set<std::string>{});
+  EXPECT_EQ(messages(), std::set<std::string>{"100.a.host:2,FS"});
+}
+
+TEST_F(BatchTest, AFileThatIsAskedAboutWhileItIsBeingNamedIsOnDiskThen) {
+  Batch batch{reports, {.files = 1}};
+  batch.files().save(saved + "/a.pdf", bytes("abc"));
+  batch.eventEnded();
+  EXPECT_EQ(batch.files().waiting(saved + "/a.pdf"), nullptr);
+  EXPECT_EQ(readFile(saved + "/a.pdf"), "abc");
+  batch.files().save(saved + "/b.pdf", bytes("b"));
+  writeFile(saved + "/b.pdf", "another's");
+  EXPECT_EQ(batch.files().onDisk(saved + "/b.pdf"), saved + "/b-1.pdf");
 }
 
 TEST_F(BatchTest, AFileThatWaitsForItsNameIsNowhereInItsFolder) {
-  if (!Descriptor{::open(saved.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0600)})
+  if (!keepsNameless(Descriptor{::open(saved.c_str(), O_RDONLY | O_CLOEXEC)}.get()))
     GTEST_SKIP() << "the file system has no files without a name";
   Batch batch{reports};
   batch.files().save(saved + "/a.pdf", bytes("abc"));
