@@ -117,13 +117,13 @@ static int open_call(int directory, const char *name, int flags, int mode) {
   CALL("open", path, "", flags, syscall(SYS_openat, directory, name, flags, mode));
 }
 
-#define MODE(flags)                                      \
-  int mode = 0;                                          \
+#define MODE(flags)                                                         \
+  int mode = 0;                                                             \
   if (((flags) & O_CREAT) != 0 || ((flags) & __O_TMPFILE) == __O_TMPFILE) { \
-    va_list rest;                                        \
-    va_start(rest, flags);                               \
-    mode = va_arg(rest, int);                            \
-    va_end(rest);                                        \
+    va_list rest;                                                           \
+    va_start(rest, flags);                                                  \
+    mode = va_arg(rest, int);                                               \
+    va_end(rest);                                                           \
   }
 int open(const char *name, int flags, ...) {
   MODE(flags)

@@ -8,13 +8,12 @@
 #include <array>
 #include <charconv>
 #include <compare>
-#include <future>
 #include <numeric>
 #include <optional>
-#include <system_error>
 
 #include "hosts/mailbox/mime/date.h"
 #include "hosts/mailbox/mime/header.h"
+#include "hosts/mailbox/services/beside.h"
 #include "hosts/mailbox/services/descriptor.h"
 
 namespace quillfile::mailbox {
@@ -106,11 +105,7 @@ std::vector<std::string> itemsInOrder(const MailFolder& folder) {
     for (std::size_t i = begin; i < end; ++i) places[i] = read(i, placeOf, buffer);
   };
   const std::size_t half = listing.size() < worthTwoThreads ? 0 : listing.size() / 2;
-  auto front = std::async(std::launch::deferred, readRange, 0, half);
-  try {
-    if (half > 0) front = std::async(std::launch::async, readRange, 0, half);
-  } catch (const std::system_error&) {  // no second thread is to be had: this one reads it all
-  }
+  auto front = beside(half > 0, [&] { readRange(0, half); });
   readRange(half, listing.size());
   front.get();
   std::vector<std::uint32_t> order(listing.size());

@@ -10,10 +10,10 @@
 
 #include <algorithm>
 #include <set>
-#include <system_error>
 #include <utility>
 
 #include "hosts/mailbox/services/batch_change.h"
+#include "hosts/mailbox/services/beside.h"
 #include "hosts/mailbox/services/failure.h"
 
 namespace quillfile::mailbox {
@@ -209,14 +209,14 @@ void Batch::eventEnded() {
   if (!full()) return;
   finishFlush();
   gather();
-  startFlush(std::launch::async);
+  startFlush(true);
 }
 
 void Batch::commit() {
   finishFlush();
   gather();
   while (!groups_.empty()) {
-    startFlush(std::launch::deferred);
+    startFlush(false);
     finishFlush();
   }
   files_.releaseIdleFolders();
@@ -233,19 +233,14 @@ void Batch::gather() {
   groups_.push_back(std::move(group));
 }
 
-void Batch::startFlush(std::launch when) {
+void Batch::startFlush(bool isAsync) {
   if (groups_.empty()) return;
   flush_ = std::make_unique<Flush>();
   for (const auto& group : groups_) group->want(*flush_), group->begin();
-  const auto work = [this] {
+  flushed_ = beside(isAsync && !flush_->empty(), [this] {
     flush_->run();
     for (const auto& group : groups_) group->carryOut(*flush_);
-  };
-  try {
-    flushed_ = std::async(flush_->empty() ? std::launch::deferred : when, work);
-  } catch (const std::system_error&) {  // no second thread can be had
-    flushed_ = std::async(std::launch::deferred, work);
-  }
+  });
 }
 
 void Batch::finishFlush() {

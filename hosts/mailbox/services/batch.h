@@ -117,7 +117,7 @@ class Batch {
   std::shared_ptr<MaildirHandles> handlesOf(const MailFolder& folder);
   bool full() const;
   void gather();
-  void startFlush(std::launch when);
+  void startFlush(bool isAsync);  // else its work waits for finishFlush()
   void finishFlush();
 
   BatchReports& reports_;
